@@ -1,0 +1,53 @@
+/* A short tour of vrks: aligned buffers, fills, copies, reversal and byte
+ * order, as an audio or radio program would use them. */
+#include <stdio.h>
+
+#include <vrks.h>
+
+static void show16(const char* what, const Vrk16u* v, int n) {
+  int i;
+  printf("  %-28s", what);
+  for (i = 0; i < n; ++i) printf(" %04x", v[i]);
+  printf("\n");
+}
+
+int main(void) {
+  const VrkLibraryVersion* v = vrksGetLibVersion();
+  const int n = 8;
+  Vrk32fc carrier = {0.5f, -0.25f};
+  Vrk32fc* iq = vrksMalloc_32fc(n);
+  Vrk32fc* rev = vrksMalloc_32fc(n);
+  Vrk16u* pcm = vrksMalloc_16u(n);
+  Vrk8u bits[2] = {0x00, 0x00};
+  const Vrk8u pattern[1] = {0xF0};
+  int i;
+
+  printf("vrks %s (%s, %s)\n", v->versionText, v->libraryName, v->targetTag);
+  if (iq == NULL || rev == NULL || pcm == NULL) return 1;
+
+  /* A block of a constant complex carrier, one sample nudged, then reversed. */
+  vrksSet_32fc(carrier, iq, n);
+  iq[0].re = 1.0f;
+  vrksFlip_32fc(iq, rev, n);
+  printf("  reversed I/Q block, last sample (%g, %g), first (%g, %g)\n",
+         rev[n - 1].re, rev[n - 1].im, rev[0].re, rev[0].im);
+
+  /* Little-endian PCM words to big-endian for a network stream. */
+  for (i = 0; i < n; ++i) pcm[i] = (Vrk16u)(0x0100 * i + 0x12);
+  show16("PCM words:", pcm, n);
+  vrksSwapBytes_16u_I(pcm, n);
+  show16("byte-swapped:", pcm, n);
+
+  /* Four bits of a header field placed at bit 6 of a frame. */
+  vrksCopy_1u(pattern, 0, bits, 6, 4);
+  printf("  bit field at offset 6:         %02x %02x\n", bits[0], bits[1]);
+
+  /* Errors are statuses; nothing is written. */
+  printf("  copy with a null source:       status %d\n", vrksCopy_32fc(NULL, rev, n));
+  printf("  copy of length 0:              status %d\n", vrksCopy_32fc(iq, rev, 0));
+
+  vrksFree(iq);
+  vrksFree(rev);
+  vrksFree(pcm);
+  return 0;
+}

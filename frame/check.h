@@ -1,0 +1,29 @@
+// Argument checks in the order every export follows: pointers left to right
+// as one test, then the length, then the family's own parameters.
+#pragma once
+
+#include "vrks.h"
+
+namespace vrks {
+
+template <class... P>
+constexpr bool any_null(P... p) {
+  return ((p == nullptr) || ...);
+}
+
+// Pointers first (vrkStatusNullPointer), then length below 1 (vrkStatusSizeError).
+template <class... P>
+constexpr VrkStatus check_vector(int length, P... p) {
+  if (any_null(p...)) return vrkStatusNullPointer;
+  if (length < 1) return vrkStatusSizeError;
+  return vrkStatusOk;
+}
+
+}  // namespace vrks
+
+// Returns from the enclosing function when a check fails.
+#define VRKS_CHECK(expr)                                        \
+  do {                                                          \
+    if (const VrkStatus vrks_status_ = (expr); vrks_status_ != vrkStatusOk) \
+      return vrks_status_;                                      \
+  } while (0)

@@ -1,0 +1,286 @@
+/*
+ * vrks — one-dimensional signal-processing primitives for x86-64.
+ *
+ * Every function works on arrays that the caller owns and returns a
+ * VrkStatus: 0 on success, a negative error (nothing has been written), or a
+ * positive warning (every element was processed and has a defined result).
+ *
+ * Naming: vrks<Operation>[<Variant>]_<types>[_<suffix>]
+ *   <types>  one code per distinct type: 16s32f reads 16s and writes 32f.
+ *   _I       in place: the array srcDst is read and overwritten.
+ *   _Sfs     integer result scaled by 2^-scale, rounded to nearest (ties to
+ *            even), then saturated to the result type.
+ *   _ISfs    both.
+ * Lengths are element counts (a 32fc element is one complex number).
+ * Arguments are checked in a fixed order: pointers (any null gives
+ * vrkStatusNullPointer), then length (below 1 gives vrkStatusSizeError),
+ * then the remaining parameters in argument order.
+ *
+ * Processor baseline: x86-64 with AVX2 (x86-64-v3).
+ */
+#ifndef VRKS_H
+#define VRKS_H
+
+#include <stdint.h>
+
+#if defined(__GNUC__) || defined(__clang__)
+#define VRKS_API __attribute__((visibility("default")))
+#else
+#define VRKS_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- element types ------------------------------------------------------ */
+
+typedef uint8_t  Vrk8u;
+typedef int8_t   Vrk8s;
+typedef uint16_t Vrk16u;
+typedef int16_t  Vrk16s;
+typedef uint32_t Vrk32u;
+typedef int32_t  Vrk32s;
+typedef uint64_t Vrk64u;
+typedef int64_t  Vrk64s;
+typedef uint16_t Vrk16f; /* IEEE 754 binary16, held in 16 bits */
+typedef float    Vrk32f;
+typedef double   Vrk64f;
+
+/* Complex numbers: real part first. Passed by value as scalars. */
+typedef struct { Vrk8s  re, im; } Vrk8sc;
+typedef struct { Vrk16s re, im; } Vrk16sc;
+typedef struct { Vrk32s re, im; } Vrk32sc;
+typedef struct { Vrk64s re, im; } Vrk64sc;
+typedef struct { Vrk32f re, im; } Vrk32fc;
+typedef struct { Vrk64f re, im; } Vrk64fc;
+
+/* 24-bit integers packed in three bytes, least significant byte first; always
+ * passed through byte pointers. */
+typedef uint8_t Vrk24u;
+typedef uint8_t Vrk24s;
+/* A bit string: a byte pointer plus a bit offset; bit offset 0 is the most
+ * significant bit of the byte. */
+typedef uint8_t Vrk1u;
+
+/* ---- status ------------------------------------------------------------- */
+
+typedef int32_t VrkStatus;
+enum {
+  vrkStatusWarnBitCount = 27,
+  vrkStatusWarnNaNInput = 9,
+  vrkStatusWarnLogOfNegative = 8,
+  vrkStatusWarnLogOfZero = 7,
+  vrkStatusWarnDivisionByZero = 6,
+  vrkStatusEvenMedianMask = 5,
+  vrkStatusWarnInverseOfZero = 4,
+  vrkStatusWarnSqrtOfNegative = 3,
+  vrkStatusOk = 0,
+  vrkStatusBadArgument = -5,
+  vrkStatusSizeError = -6,
+  vrkStatusBadMode = -7,
+  vrkStatusNullPointer = -8,
+  vrkStatusMemoryAllocation = -9,
+  vrkStatusDivideByZero = -10,
+  vrkStatusParamNotPositive = -11,
+  vrkStatusIIRNegativeOrder = -13,
+  vrkStatusFFTOrder = -15,
+  vrkStatusFFTFlag = -16,
+  vrkStatusContextMismatch = -17,
+  vrkStatusThresholdOrder = -18,
+  vrkStatusThresholdNegative = -19,
+  vrkStatusDelayIndex = -24,
+  vrkStatusIIROrder = -25,
+  vrkStatusFIRLength = -26,
+  vrkStatusGoertzFrequency = -27,
+  vrkStatusFIRMRPhase = -28,
+  vrkStatusFIRMRFactor = -29,
+  vrkStatusSamplePhase = -30,
+  vrkStatusSampleFactor = -31,
+  vrkStatusShift = -32,
+  vrkStatusSumWindowWidth = -33,
+  vrkStatusWTOffset = -35,
+  vrkStatusJaehneMagnitude = -38,
+  vrkStatusKaiserAlpha = -39,
+  vrkStatusTriangleAsymmetry = -40,
+  vrkStatusTrianglePhase = -41,
+  vrkStatusTriangleFrequency = -42,
+  vrkStatusTriangleMagnitude = -43,
+  vrkStatusTonePhase = -44,
+  vrkStatusToneFrequency = -45,
+  vrkStatusToneMagnitude = -46,
+  vrkStatusChannelCount = -53,
+  vrkStatusSparseTaps = -194,
+  vrkStatusIIRGenOrder = -206,
+  vrkStatusIIRGenFrequency = -208,
+  vrkStatusIIRGenDeviation = -209,
+  vrkStatusRoundMode = -213
+};
+
+/* ---- rounding modes ----------------------------------------------------- */
+
+typedef int32_t VrkRoundMode;
+enum {
+  vrkRoundToZero = 0,           /* truncation toward zero */
+  vrkRoundToNearestEven = 1,    /* to nearest, ties to the even neighbour */
+  vrkRoundHalfAwayFromZero = 2  /* magnitude plus one half, truncated, sign restored */
+};
+
+/* ---- FFT and DFT scaling flags (exactly one of them) -------------------- */
+
+enum {
+  vrkFFTScaleFwdByN = 1,
+  vrkFFTScaleInvByN = 2,
+  vrkFFTScaleBySqrtN = 4,
+  vrkFFTScaleNone = 8
+};
+
+/* ---- opaque state objects ----------------------------------------------- */
+
+typedef struct VrksFFTState_C_16sc VrksFFTState_C_16sc;
+typedef struct VrksFFTState_C_16s VrksFFTState_C_16s;
+typedef struct VrksFFTState_R_16s VrksFFTState_R_16s;
+typedef struct VrksFFTState_C_32fc VrksFFTState_C_32fc;
+typedef struct VrksFFTState_C_32f VrksFFTState_C_32f;
+typedef struct VrksFFTState_R_32f VrksFFTState_R_32f;
+typedef struct VrksFFTState_C_64fc VrksFFTState_C_64fc;
+typedef struct VrksFFTState_C_64f VrksFFTState_C_64f;
+typedef struct VrksFFTState_R_64f VrksFFTState_R_64f;
+typedef struct VrksFFTState_C_32sc VrksFFTState_C_32sc;
+typedef struct VrksFFTState_C_32s VrksFFTState_C_32s;
+typedef struct VrksFFTState_R_32s VrksFFTState_R_32s;
+typedef struct VrksFFTState_R_16s32s VrksFFTState_R_16s32s;
+
+/* ---- version ------------------------------------------------------------ */
+
+typedef struct {
+  int32_t versionMajor;
+  int32_t versionMinor;
+  int32_t buildMajor;
+  int32_t buildNumber;
+  char targetTag[4];       /* processor variant, zero-filled: "e9" */
+  const char* libraryName;
+  const char* versionText;
+  const char* buildDate;
+} VrkLibraryVersion;
+
+/* The library's constant version record; never fails, never to be freed. */
+VRKS_API const VrkLibraryVersion* vrksGetLibVersion(void);
+
+/* ---- aligned memory ----------------------------------------------------- */
+
+/* A block for `length` elements, aligned to at least 64 bytes, or NULL when
+ * `length` is below 1 or the memory can't be had. Release with vrksFree. */
+VRKS_API Vrk8u* vrksMalloc_8u(int length);
+VRKS_API Vrk8s* vrksMalloc_8s(int length);
+VRKS_API Vrk8sc* vrksMalloc_8sc(int length);
+VRKS_API Vrk16u* vrksMalloc_16u(int length);
+VRKS_API Vrk16s* vrksMalloc_16s(int length);
+VRKS_API Vrk16sc* vrksMalloc_16sc(int length);
+VRKS_API Vrk32u* vrksMalloc_32u(int length);
+VRKS_API Vrk32s* vrksMalloc_32s(int length);
+VRKS_API Vrk32sc* vrksMalloc_32sc(int length);
+VRKS_API Vrk32f* vrksMalloc_32f(int length);
+VRKS_API Vrk32fc* vrksMalloc_32fc(int length);
+VRKS_API Vrk64s* vrksMalloc_64s(int length);
+VRKS_API Vrk64sc* vrksMalloc_64sc(int length);
+VRKS_API Vrk64f* vrksMalloc_64f(int length);
+VRKS_API Vrk64fc* vrksMalloc_64fc(int length);
+/* Releases a block from vrksMalloc_*; NULL is allowed and does nothing. */
+VRKS_API void vrksFree(void* pointer);
+
+/* ---- copy, move, fill, clear -------------------------------------------- */
+/* Pure byte operations: NaN payloads and complex pairs move untouched.
+ * length * element size must stay below 2^31 for Copy, Move and Zero.
+ * Only Move is defined for overlapping arrays. */
+
+VRKS_API VrkStatus vrksCopy_8u(const Vrk8u* src, Vrk8u* dst, int length);
+VRKS_API VrkStatus vrksCopy_16s(const Vrk16s* src, Vrk16s* dst, int length);
+VRKS_API VrkStatus vrksCopy_16sc(const Vrk16sc* src, Vrk16sc* dst, int length);
+VRKS_API VrkStatus vrksCopy_32s(const Vrk32s* src, Vrk32s* dst, int length);
+VRKS_API VrkStatus vrksCopy_32sc(const Vrk32sc* src, Vrk32sc* dst, int length);
+VRKS_API VrkStatus vrksCopy_32f(const Vrk32f* src, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksCopy_32fc(const Vrk32fc* src, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksCopy_64s(const Vrk64s* src, Vrk64s* dst, int length);
+VRKS_API VrkStatus vrksCopy_64sc(const Vrk64sc* src, Vrk64sc* dst, int length);
+VRKS_API VrkStatus vrksCopy_64f(const Vrk64f* src, Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksCopy_64fc(const Vrk64fc* src, Vrk64fc* dst, int length);
+
+/* Copies `length` bits. Only the low three bits of each offset count (the byte
+ * pointer is not advanced); destination bits outside the copied range keep
+ * their values. A negative offset gives vrkStatusSizeError. */
+VRKS_API VrkStatus vrksCopy_1u(const Vrk8u* src, int srcBitOffset, Vrk8u* dst,
+                               int dstBitOffset, int length);
+
+/* As if the source were first copied aside: overlapping arrays are fine. */
+VRKS_API VrkStatus vrksMove_8u(const Vrk8u* src, Vrk8u* dst, int length);
+VRKS_API VrkStatus vrksMove_16s(const Vrk16s* src, Vrk16s* dst, int length);
+VRKS_API VrkStatus vrksMove_16sc(const Vrk16sc* src, Vrk16sc* dst, int length);
+VRKS_API VrkStatus vrksMove_32s(const Vrk32s* src, Vrk32s* dst, int length);
+VRKS_API VrkStatus vrksMove_32sc(const Vrk32sc* src, Vrk32sc* dst, int length);
+VRKS_API VrkStatus vrksMove_32f(const Vrk32f* src, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksMove_32fc(const Vrk32fc* src, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksMove_64s(const Vrk64s* src, Vrk64s* dst, int length);
+VRKS_API VrkStatus vrksMove_64sc(const Vrk64sc* src, Vrk64sc* dst, int length);
+VRKS_API VrkStatus vrksMove_64f(const Vrk64f* src, Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksMove_64fc(const Vrk64fc* src, Vrk64fc* dst, int length);
+
+/* Fills dst with `value` (a complex value: real, imaginary, real, ...). */
+VRKS_API VrkStatus vrksSet_8u(Vrk8u value, Vrk8u* dst, int length);
+VRKS_API VrkStatus vrksSet_16s(Vrk16s value, Vrk16s* dst, int length);
+VRKS_API VrkStatus vrksSet_16sc(Vrk16sc value, Vrk16sc* dst, int length);
+VRKS_API VrkStatus vrksSet_32s(Vrk32s value, Vrk32s* dst, int length);
+VRKS_API VrkStatus vrksSet_32sc(Vrk32sc value, Vrk32sc* dst, int length);
+VRKS_API VrkStatus vrksSet_32f(Vrk32f value, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksSet_32fc(Vrk32fc value, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksSet_64s(Vrk64s value, Vrk64s* dst, int length);
+VRKS_API VrkStatus vrksSet_64sc(Vrk64sc value, Vrk64sc* dst, int length);
+VRKS_API VrkStatus vrksSet_64f(Vrk64f value, Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksSet_64fc(Vrk64fc value, Vrk64fc* dst, int length);
+
+/* Fills dst with all-zero bytes. */
+VRKS_API VrkStatus vrksZero_8u(Vrk8u* dst, int length);
+VRKS_API VrkStatus vrksZero_16s(Vrk16s* dst, int length);
+VRKS_API VrkStatus vrksZero_16sc(Vrk16sc* dst, int length);
+VRKS_API VrkStatus vrksZero_32s(Vrk32s* dst, int length);
+VRKS_API VrkStatus vrksZero_32sc(Vrk32sc* dst, int length);
+VRKS_API VrkStatus vrksZero_32f(Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksZero_32fc(Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksZero_64s(Vrk64s* dst, int length);
+VRKS_API VrkStatus vrksZero_64sc(Vrk64sc* dst, int length);
+VRKS_API VrkStatus vrksZero_64f(Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksZero_64fc(Vrk64fc* dst, int length);
+
+/* ---- reversal and byte order -------------------------------------------- */
+
+/* dst[i] = src[length - 1 - i]; complex elements keep real before imaginary.
+ * The _I forms reverse in place (the middle element of an odd length stays). */
+VRKS_API VrkStatus vrksFlip_8u(const Vrk8u* src, Vrk8u* dst, int length);
+VRKS_API VrkStatus vrksFlip_16u(const Vrk16u* src, Vrk16u* dst, int length);
+VRKS_API VrkStatus vrksFlip_32f(const Vrk32f* src, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksFlip_32fc(const Vrk32fc* src, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksFlip_64f(const Vrk64f* src, Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksFlip_64fc(const Vrk64fc* src, Vrk64fc* dst, int length);
+VRKS_API VrkStatus vrksFlip_8u_I(Vrk8u* srcDst, int length);
+VRKS_API VrkStatus vrksFlip_16u_I(Vrk16u* srcDst, int length);
+VRKS_API VrkStatus vrksFlip_32f_I(Vrk32f* srcDst, int length);
+VRKS_API VrkStatus vrksFlip_32fc_I(Vrk32fc* srcDst, int length);
+VRKS_API VrkStatus vrksFlip_64f_I(Vrk64f* srcDst, int length);
+VRKS_API VrkStatus vrksFlip_64fc_I(Vrk64fc* srcDst, int length);
+
+/* Reverses the bytes inside each element (2, 3, 4 or 8 bytes; the 24-bit
+ * forms take byte pointers and count three-byte elements). */
+VRKS_API VrkStatus vrksSwapBytes_16u(const Vrk16u* src, Vrk16u* dst, int length);
+VRKS_API VrkStatus vrksSwapBytes_24u(const Vrk8u* src, Vrk8u* dst, int length);
+VRKS_API VrkStatus vrksSwapBytes_32u(const Vrk32u* src, Vrk32u* dst, int length);
+VRKS_API VrkStatus vrksSwapBytes_64u(const Vrk64u* src, Vrk64u* dst, int length);
+VRKS_API VrkStatus vrksSwapBytes_16u_I(Vrk16u* srcDst, int length);
+VRKS_API VrkStatus vrksSwapBytes_24u_I(Vrk8u* srcDst, int length);
+VRKS_API VrkStatus vrksSwapBytes_32u_I(Vrk32u* srcDst, int length);
+VRKS_API VrkStatus vrksSwapBytes_64u_I(Vrk64u* srcDst, int length);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* VRKS_H */
