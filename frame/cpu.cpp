@@ -4,9 +4,13 @@
 
 namespace vrks {
 
-bool cpu_has_avx512() {
-  static const bool has = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
-                          __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl");
+bool cpu_has_fast_strings() {
+  static const bool has = [] {
+    unsigned a, b, c, d;
+    if (__get_cpuid_max(0, nullptr) < 7) return false;
+    __cpuid_count(7, 0, a, b, c, d);
+    return (b & (1u << 9)) != 0 && (d & (1u << 4)) != 0;  // ERMS and FSRM
+  }();
   return has;
 }
 
@@ -27,10 +31,9 @@ int64_t query_outer_cache() {
     __cpuid(0x80000001u, a, b, c, d);
     if (c & (1u << 22)) leaf = 0x8000001Du;
   }
-  if (leaf == 0) return 0;
   int best_level = 0;
   int64_t best = 0;
-  for (unsigned sub = 0; sub < 16; ++sub) {
+  for (unsigned sub = 0; leaf != 0 && sub < 16; ++sub) {
     __cpuid_count(leaf, sub, a, b, c, d);
     const unsigned type = a & 31;
     if (type == 0) break;
@@ -45,6 +48,12 @@ int64_t query_outer_cache() {
       best_level = level;
       best = size;
     }
+  }
+  // Without the deterministic leaf, the extended leaf that reports the
+  // third-level cache in 512 KiB units.
+  if (best == 0 && max_ext >= 0x80000006u) {
+    __cpuid(0x80000006u, a, b, c, d);
+    best = int64_t(d >> 18) * 512 * 1024;
   }
   return best;
 }

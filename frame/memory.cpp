@@ -31,15 +31,14 @@ VrkStatus move(const T* src, T* dst, int length) {
 template <class T>
 VrkStatus set(T value, T* dst, int length) {
   VRKS_CHECK(check_vector(length, dst));
-  fill_pattern(dst, &value, sizeof(T), size_t(length));
+  fill(dst, value, size_t(length));
   return vrkStatusOk;
 }
 
 template <class T>
 VrkStatus zero(T* dst, int length) {
   VRKS_CHECK(check_vector(length, dst));
-  const uint8_t nothing = 0;
-  fill_pattern(dst, &nothing, 1, size_t(length) * sizeof(T));
+  fill(dst, uint8_t(0), size_t(length) * sizeof(T));
   return vrkStatusOk;
 }
 
