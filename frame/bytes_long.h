@@ -49,7 +49,6 @@ inline size_t stream_fill_from() {
   const int64_t cache = outer_cache_bytes();
   return cache > 0 ? size_t(cache) : size_t(32) << 20;
 }
-__attribute__((noinline)) bool stream_fill(size_t n) { return n >= stream_fill_from(); }
 
 // Going up; safe when dst is below src or apart from it. n >= 4 * W.
 template <class V, bool Stream>
@@ -167,42 +166,52 @@ auto widen(__m256i v) {
 #endif
 }
 
-// `v` holds the pattern at phase 0; width divides 16 and n is a multiple of
-// it, n >= 4 * W. Every unaligned store starts at a multiple of width from d;
-// the aligned body uses the pattern at the phase where it starts.
-template <class V>
-inline __attribute__((always_inline)) void fill_long_with(uint8_t* d, __m256i v, size_t width, size_t n) {
+// The vector body of a fill: `v` holds the pattern at phase 0; width divides
+// 16 and n is a multiple of it, n >= 4 * W. Every unaligned store starts at a
+// multiple of width from d; the aligned body uses the pattern at the phase
+// where it starts.
+template <class V, bool Stream>
+inline __attribute__((always_inline)) void fill_body(uint8_t* d, __m256i v, size_t width, size_t n) {
   constexpr size_t W = V::W;
   const size_t skip = W - (reinterpret_cast<uintptr_t>(d) & (W - 1));
   const size_t phase = skip & (width - 1);
   const auto head = widen<V>(v);
   const auto body = phase == 0 ? head : widen<V>(rotate_pattern(v, phase));
-  const bool stream = n >= (size_t(1) << 20) && stream_fill(n);
-  if (width == 1 && !stream && n > kStringFillFrom && cpu_has_fast_strings())
-    return string_fill(d, uint8_t(_mm256_extract_epi8(v, 0)), n);
   V::st(d, head);
   uint8_t* dp = d + skip;
   uint8_t* const end = d + n - 4 * W;
-  if (stream) {
-    for (; dp < end; dp += 4 * W) {
+  for (; dp < end; dp += 4 * W) {
+    if constexpr (Stream) {
       V::st_stream(dp, body);
       V::st_stream(dp + W, body);
       V::st_stream(dp + 2 * W, body);
       V::st_stream(dp + 3 * W, body);
-    }
-    _mm_sfence();
-  } else {
-    for (; dp < end; dp += 4 * W) {
+    } else {
       V::st_aligned(dp, body);
       V::st_aligned(dp + W, body);
       V::st_aligned(dp + 2 * W, body);
       V::st_aligned(dp + 3 * W, body);
     }
   }
+  if constexpr (Stream) _mm_sfence();
   V::st(d + n - 4 * W, head);
   V::st(d + n - 3 * W, head);
   V::st(d + n - 2 * W, head);
   V::st(d + n - W, head);
+}
+
+template <class V>
+__attribute__((noinline)) void fill_large(uint8_t* d, __m256i v, size_t width, size_t n) {
+  if (n >= (size_t(1) << 20) && n >= stream_fill_from()) return fill_body<V, true>(d, v, width, n);
+  if (width == 1 && cpu_has_fast_strings()) return string_fill(d, uint8_t(_mm256_extract_epi8(v, 0)), n);
+  fill_body<V, false>(d, v, width, n);
+}
+
+template <class V>
+inline __attribute__((always_inline)) void fill_long_with(uint8_t* d, __m256i v, size_t width, size_t n) {
+  if (n > kStringFillFrom) [[unlikely]]
+    return fill_large<V>(d, v, width, n);
+  fill_body<V, false>(d, v, width, n);
 }
 
 }  // namespace
