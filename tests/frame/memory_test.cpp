@@ -104,8 +104,8 @@ TEST(Memory, FlipAndSwapBytes) {
 // The 24-bit forms count three-byte elements through byte pointers.
 struct U24 { uint8_t b[3]; };
 TEST(Memory, SwapBytes24) {
-  auto fn = [](const U24* s, U24* d, int n) { return vrksSwapBytes_24u(s->b, d->b, n); };
-  auto in_place = [](U24* p, int n) { return vrksSwapBytes_24u_I(p->b, n); };
+  auto fn = [](const U24* s, U24* d, int n) { return vrksSwapBytes_24u(reinterpret_cast<const Vrk8u*>(s), reinterpret_cast<Vrk8u*>(d), n); };
+  auto in_place = [](U24* p, int n) { return vrksSwapBytes_24u_I(reinterpret_cast<Vrk8u*>(p), n); };
   run_reorder<U24>("SwapBytes_24u", fn, in_place, ref_swap);
   const Vrk8u in[3] = {1, 2, 3};
   Vrk8u out[3];
