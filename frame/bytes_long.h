@@ -41,6 +41,23 @@ struct V512 {
 };
 #endif
 
+// Four vectors at an aligned address, streaming past the cache or not.
+template <class V, bool Stream, class T>
+inline __attribute__((always_inline)) void store4(uint8_t* p, T a, T b, T c, T d) {
+  constexpr size_t W = V::W;
+  if constexpr (Stream) {
+    V::st_stream(p, a);
+    V::st_stream(p + W, b);
+    V::st_stream(p + 2 * W, c);
+    V::st_stream(p + 3 * W, d);
+  } else {
+    V::st_aligned(p, a);
+    V::st_aligned(p + W, b);
+    V::st_aligned(p + 2 * W, c);
+    V::st_aligned(p + 3 * W, d);
+  }
+}
+
 inline size_t stream_copy_from() {
   const int64_t cache = outer_cache_bytes();
   return cache > 0 ? size_t(cache / 2) : size_t(16) << 20;
@@ -63,18 +80,7 @@ inline __attribute__((always_inline)) void forward_long(uint8_t* d, const uint8_
   uint8_t* const end = d + n - 4 * W;
   for (; dp < end; dp += 4 * W, sp += 4 * W) {
     if constexpr (Stream) _mm_prefetch(reinterpret_cast<const char*>(sp + 1024), _MM_HINT_NTA);
-    const auto x0 = V::ld(sp), x1 = V::ld(sp + W), x2 = V::ld(sp + 2 * W), x3 = V::ld(sp + 3 * W);
-    if constexpr (Stream) {
-      V::st_stream(dp, x0);
-      V::st_stream(dp + W, x1);
-      V::st_stream(dp + 2 * W, x2);
-      V::st_stream(dp + 3 * W, x3);
-    } else {
-      V::st_aligned(dp, x0);
-      V::st_aligned(dp + W, x1);
-      V::st_aligned(dp + 2 * W, x2);
-      V::st_aligned(dp + 3 * W, x3);
-    }
+    store4<V, Stream>(dp, V::ld(sp), V::ld(sp + W), V::ld(sp + 2 * W), V::ld(sp + 3 * W));
   }
   if constexpr (Stream) _mm_sfence();
   V::st(d + n - 4 * W, t0);
@@ -95,11 +101,7 @@ inline __attribute__((always_inline)) void backward_long(uint8_t* d, const uint8
   while (e > d + 4 * W) {
     e -= 4 * W;
     se -= 4 * W;
-    const auto x0 = V::ld(se), x1 = V::ld(se + W), x2 = V::ld(se + 2 * W), x3 = V::ld(se + 3 * W);
-    V::st_aligned(e, x0);
-    V::st_aligned(e + W, x1);
-    V::st_aligned(e + 2 * W, x2);
-    V::st_aligned(e + 3 * W, x3);
+    store4<V, false>(e, V::ld(se), V::ld(se + W), V::ld(se + 2 * W), V::ld(se + 3 * W));
   }
   V::st(d + n - W, tail);
   V::st(d, h0);
@@ -180,19 +182,7 @@ inline __attribute__((always_inline)) void fill_body(uint8_t* d, __m256i v, size
   V::st(d, head);
   uint8_t* dp = d + skip;
   uint8_t* const end = d + n - 4 * W;
-  for (; dp < end; dp += 4 * W) {
-    if constexpr (Stream) {
-      V::st_stream(dp, body);
-      V::st_stream(dp + W, body);
-      V::st_stream(dp + 2 * W, body);
-      V::st_stream(dp + 3 * W, body);
-    } else {
-      V::st_aligned(dp, body);
-      V::st_aligned(dp + W, body);
-      V::st_aligned(dp + 2 * W, body);
-      V::st_aligned(dp + 3 * W, body);
-    }
-  }
+  for (; dp < end; dp += 4 * W) store4<V, Stream>(dp, body, body, body, body);
   if constexpr (Stream) _mm_sfence();
   V::st(d + n - 4 * W, head);
   V::st(d + n - 3 * W, head);
