@@ -6,14 +6,17 @@
 
 namespace vrks {
 
+// Always inlined: the checks are compiled into every instruction set's
+// instantiation of an export, and no out-of-line copy may be shared between
+// them.
 template <class... P>
-constexpr bool any_null(P... p) {
+[[gnu::always_inline]] constexpr bool any_null(P... p) {
   return ((p == nullptr) || ...);
 }
 
 // Pointers first (vrkStatusNullPointer), then length below 1 (vrkStatusSizeError).
 template <class... P>
-constexpr VrkStatus check_vector(int length, P... p) {
+[[gnu::always_inline]] constexpr VrkStatus check_vector(int length, P... p) {
   if (any_null(p...)) return vrkStatusNullPointer;
   if (length < 1) return vrkStatusSizeError;
   return vrkStatusOk;
