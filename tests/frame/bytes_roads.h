@@ -14,6 +14,10 @@
   void move(uint8_t* d, const uint8_t* s, size_t n);                                \
   void fill(uint8_t* d, const uint8_t* pattern, size_t width, size_t n);            \
   void stream_fill(uint8_t* d, const uint8_t* pattern, size_t width, size_t n);     \
+  /* The whole kernels, every size: */                                              \
+  void copy_any(uint8_t* d, const uint8_t* s, size_t n);                            \
+  void move_any(uint8_t* d, const uint8_t* s, size_t n);                            \
+  void fill_any(uint8_t* d, const uint8_t* pattern, size_t width, size_t n);        \
   }
 VRKS_ROADS(roads256)
 VRKS_ROADS(roads512)

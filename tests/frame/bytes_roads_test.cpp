@@ -11,12 +11,17 @@
 
 namespace {
 
-const size_t kSizes[] = {128, 129, 255, 256, 257, 300, 511, 512, 513, 1000, 4095, 4096, 33000, 70001};
+std::vector<size_t> sizes(size_t from) {
+  std::vector<size_t> v;
+  for (size_t n = from; n <= 600; ++n) v.push_back(n);
+  for (size_t n : {1000, 2047, 2048, 4095, 4096, 33000, 70001}) v.push_back(n);
+  return v;
+}
 
 template <class Road>
-void check_copy(const char* name, Road road) {
+void check_copy(const char* name, Road road, size_t from = 128) {
   std::mt19937 rng(1);
-  for (size_t n : kSizes) {
+  for (size_t n : sizes(from)) {
     for (size_t so : {0, 1, 31, 32, 63}) {
       for (size_t dof : {0, 7, 32, 33}) {
         std::vector<uint8_t> src(n + 128), dst(n + 256, 0xCC), want;
@@ -31,9 +36,9 @@ void check_copy(const char* name, Road road) {
 }
 
 template <class Road>
-void check_move(const char* name, Road road) {
+void check_move(const char* name, Road road, size_t from = 128) {
   std::mt19937 rng(2);
-  for (size_t n : kSizes) {
+  for (size_t n : sizes(from)) {
     for (long shift : {-300L, -64L, -33L, -1L, 1L, 17L, 64L, 300L}) {
       std::vector<uint8_t> buf(n + 700), want;
       for (auto& b : buf) b = uint8_t(rng());
@@ -46,13 +51,12 @@ void check_move(const char* name, Road road) {
 }
 
 template <class Road>
-void check_fill(const char* name, Road road) {
+void check_fill(const char* name, Road road, size_t from = 128) {
   for (size_t width : {1, 2, 4, 8, 16}) {
     uint8_t pattern[16];
     for (size_t k = 0; k < 16; ++k) pattern[k] = uint8_t(0x10 * k + width);
-    for (size_t n : kSizes) {
-      n -= n % width;
-      if (n < 128) continue;
+    for (size_t n : sizes(from)) {
+      if (n % width != 0) continue;
       for (size_t dof : {0, 1, 2, 4, 8, 12, 24, 40}) {
         if (dof % width != 0 && width > 8) continue;
         std::vector<uint8_t> dst(n + 256, 0xCC), want = dst;
@@ -71,6 +75,9 @@ TEST(ByteRoads, Vector256) {
   check_move("move", roads256::move);
   check_fill("fill", roads256::fill);
   check_fill("streaming fill", roads256::stream_fill);
+  check_copy("copy", roads256::copy_any, 0);
+  check_move("move", roads256::move_any, 0);
+  check_fill("fill", roads256::fill_any, 0);
 }
 
 TEST(ByteRoads, Vector512) {
@@ -80,6 +87,9 @@ TEST(ByteRoads, Vector512) {
   check_move("move", roads512::move);
   check_fill("fill", roads512::fill);
   check_fill("streaming fill", roads512::stream_fill);
+  check_copy("copy", roads512::copy_any, 0);
+  check_move("move", roads512::move_any, 0);
+  check_fill("fill", roads512::fill_any, 0);
 }
 
 }  // namespace
