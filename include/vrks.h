@@ -279,6 +279,211 @@ VRKS_API VrkStatus vrksSwapBytes_24u_I(Vrk8u* srcDst, int length);
 VRKS_API VrkStatus vrksSwapBytes_32u_I(Vrk32u* srcDst, int length);
 VRKS_API VrkStatus vrksSwapBytes_64u_I(Vrk64u* srcDst, int length);
 
+/* ---- scaled arithmetic: addition, subtraction, multiplication ---------- */
+
+/* dst = src1 + src2 (in place: srcDst += src). Integer results saturate; the
+ * _Sfs forms scale by 2^-scale with rounding to nearest even first. Complex
+ * forms add part by part. */
+VRKS_API VrkStatus vrksAdd_16s(const Vrk16s* src1, const Vrk16s* src2, Vrk16s* dst, int length);
+VRKS_API VrkStatus vrksAdd_16s32f(const Vrk16s* src1, const Vrk16s* src2, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksAdd_16s32s_I(const Vrk16s* src, Vrk32s* srcDst, int length);
+VRKS_API VrkStatus vrksAdd_16s_I(const Vrk16s* src, Vrk16s* srcDst, int length);
+VRKS_API VrkStatus vrksAdd_16u(const Vrk16u* src1, const Vrk16u* src2, Vrk16u* dst, int length);
+VRKS_API VrkStatus vrksAdd_32f(const Vrk32f* src1, const Vrk32f* src2, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksAdd_32f_I(const Vrk32f* src, Vrk32f* srcDst, int length);
+VRKS_API VrkStatus vrksAdd_32fc(const Vrk32fc* src1, const Vrk32fc* src2, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksAdd_32fc_I(const Vrk32fc* src, Vrk32fc* srcDst, int length);
+VRKS_API VrkStatus vrksAdd_32u(const Vrk32u* src1, const Vrk32u* src2, Vrk32u* dst, int length);
+VRKS_API VrkStatus vrksAdd_64f(const Vrk64f* src1, const Vrk64f* src2, Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksAdd_64f_I(const Vrk64f* src, Vrk64f* srcDst, int length);
+VRKS_API VrkStatus vrksAdd_64fc(const Vrk64fc* src1, const Vrk64fc* src2, Vrk64fc* dst, int length);
+VRKS_API VrkStatus vrksAdd_64fc_I(const Vrk64fc* src, Vrk64fc* srcDst, int length);
+VRKS_API VrkStatus vrksAdd_8u16u(const Vrk8u* src1, const Vrk8u* src2, Vrk16u* dst, int length);
+VRKS_API VrkStatus vrksAdd_16s_ISfs(const Vrk16s* src, Vrk16s* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksAdd_16s_Sfs(const Vrk16s* src1, const Vrk16s* src2, Vrk16s* dst, int length, int scale);
+VRKS_API VrkStatus vrksAdd_16sc_ISfs(const Vrk16sc* src, Vrk16sc* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksAdd_16sc_Sfs(const Vrk16sc* src1, const Vrk16sc* src2, Vrk16sc* dst, int length, int scale);
+VRKS_API VrkStatus vrksAdd_16u_ISfs(const Vrk16u* src, Vrk16u* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksAdd_16u_Sfs(const Vrk16u* src1, const Vrk16u* src2, Vrk16u* dst, int length, int scale);
+VRKS_API VrkStatus vrksAdd_32s_ISfs(const Vrk32s* src, Vrk32s* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksAdd_32s_Sfs(const Vrk32s* src1, const Vrk32s* src2, Vrk32s* dst, int length, int scale);
+VRKS_API VrkStatus vrksAdd_32sc_ISfs(const Vrk32sc* src, Vrk32sc* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksAdd_32sc_Sfs(const Vrk32sc* src1, const Vrk32sc* src2, Vrk32sc* dst, int length, int scale);
+VRKS_API VrkStatus vrksAdd_64s_Sfs(const Vrk64s* src1, const Vrk64s* src2, Vrk64s* dst, int length, int scale);
+VRKS_API VrkStatus vrksAdd_8u_ISfs(const Vrk8u* src, Vrk8u* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksAdd_8u_Sfs(const Vrk8u* src1, const Vrk8u* src2, Vrk8u* dst, int length, int scale);
+
+/* dst = src + value (in place: srcDst += value). */
+VRKS_API VrkStatus vrksAddC_16s_I(Vrk16s value, Vrk16s* srcDst, int length);
+VRKS_API VrkStatus vrksAddC_32f(const Vrk32f* src, Vrk32f value, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksAddC_32f_I(Vrk32f value, Vrk32f* srcDst, int length);
+VRKS_API VrkStatus vrksAddC_32fc(const Vrk32fc* src, Vrk32fc value, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksAddC_32fc_I(Vrk32fc value, Vrk32fc* srcDst, int length);
+VRKS_API VrkStatus vrksAddC_64f(const Vrk64f* src, Vrk64f value, Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksAddC_64f_I(Vrk64f value, Vrk64f* srcDst, int length);
+VRKS_API VrkStatus vrksAddC_64fc(const Vrk64fc* src, Vrk64fc value, Vrk64fc* dst, int length);
+VRKS_API VrkStatus vrksAddC_64fc_I(Vrk64fc value, Vrk64fc* srcDst, int length);
+VRKS_API VrkStatus vrksAddC_16s_ISfs(Vrk16s value, Vrk16s* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksAddC_16s_Sfs(const Vrk16s* src, Vrk16s value, Vrk16s* dst, int length, int scale);
+VRKS_API VrkStatus vrksAddC_16sc_ISfs(Vrk16sc value, Vrk16sc* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksAddC_16sc_Sfs(const Vrk16sc* src, Vrk16sc value, Vrk16sc* dst, int length, int scale);
+VRKS_API VrkStatus vrksAddC_16u_ISfs(Vrk16u value, Vrk16u* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksAddC_16u_Sfs(const Vrk16u* src, Vrk16u value, Vrk16u* dst, int length, int scale);
+VRKS_API VrkStatus vrksAddC_32s_ISfs(Vrk32s value, Vrk32s* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksAddC_32s_Sfs(const Vrk32s* src, Vrk32s value, Vrk32s* dst, int length, int scale);
+VRKS_API VrkStatus vrksAddC_32sc_ISfs(Vrk32sc value, Vrk32sc* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksAddC_32sc_Sfs(const Vrk32sc* src, Vrk32sc value, Vrk32sc* dst, int length, int scale);
+VRKS_API VrkStatus vrksAddC_8u_ISfs(Vrk8u value, Vrk8u* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksAddC_8u_Sfs(const Vrk8u* src, Vrk8u value, Vrk8u* dst, int length, int scale);
+
+/* dst = src2 - src1: the second source minus the first (in place:
+ * srcDst -= src). Unsigned differences below 0 give 0 at every scale. */
+VRKS_API VrkStatus vrksSub_16s(const Vrk16s* src1, const Vrk16s* src2, Vrk16s* dst, int length);
+VRKS_API VrkStatus vrksSub_16s32f(const Vrk16s* src1, const Vrk16s* src2, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksSub_16s_I(const Vrk16s* src, Vrk16s* srcDst, int length);
+VRKS_API VrkStatus vrksSub_32f(const Vrk32f* src1, const Vrk32f* src2, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksSub_32f_I(const Vrk32f* src, Vrk32f* srcDst, int length);
+VRKS_API VrkStatus vrksSub_32fc(const Vrk32fc* src1, const Vrk32fc* src2, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksSub_32fc_I(const Vrk32fc* src, Vrk32fc* srcDst, int length);
+VRKS_API VrkStatus vrksSub_64f(const Vrk64f* src1, const Vrk64f* src2, Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksSub_64f_I(const Vrk64f* src, Vrk64f* srcDst, int length);
+VRKS_API VrkStatus vrksSub_64fc(const Vrk64fc* src1, const Vrk64fc* src2, Vrk64fc* dst, int length);
+VRKS_API VrkStatus vrksSub_64fc_I(const Vrk64fc* src, Vrk64fc* srcDst, int length);
+VRKS_API VrkStatus vrksSub_16s_ISfs(const Vrk16s* src, Vrk16s* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSub_16s_Sfs(const Vrk16s* src1, const Vrk16s* src2, Vrk16s* dst, int length, int scale);
+VRKS_API VrkStatus vrksSub_16sc_ISfs(const Vrk16sc* src, Vrk16sc* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSub_16sc_Sfs(const Vrk16sc* src1, const Vrk16sc* src2, Vrk16sc* dst, int length, int scale);
+VRKS_API VrkStatus vrksSub_16u_ISfs(const Vrk16u* src, Vrk16u* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSub_16u_Sfs(const Vrk16u* src1, const Vrk16u* src2, Vrk16u* dst, int length, int scale);
+VRKS_API VrkStatus vrksSub_32s_ISfs(const Vrk32s* src, Vrk32s* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSub_32s_Sfs(const Vrk32s* src1, const Vrk32s* src2, Vrk32s* dst, int length, int scale);
+VRKS_API VrkStatus vrksSub_32sc_ISfs(const Vrk32sc* src, Vrk32sc* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSub_32sc_Sfs(const Vrk32sc* src1, const Vrk32sc* src2, Vrk32sc* dst, int length, int scale);
+VRKS_API VrkStatus vrksSub_8u_ISfs(const Vrk8u* src, Vrk8u* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSub_8u_Sfs(const Vrk8u* src1, const Vrk8u* src2, Vrk8u* dst, int length, int scale);
+
+/* dst = src - value (in place: srcDst -= value). */
+VRKS_API VrkStatus vrksSubC_16s_I(Vrk16s value, Vrk16s* srcDst, int length);
+VRKS_API VrkStatus vrksSubC_32f(const Vrk32f* src, Vrk32f value, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksSubC_32f_I(Vrk32f value, Vrk32f* srcDst, int length);
+VRKS_API VrkStatus vrksSubC_32fc(const Vrk32fc* src, Vrk32fc value, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksSubC_32fc_I(Vrk32fc value, Vrk32fc* srcDst, int length);
+VRKS_API VrkStatus vrksSubC_64f(const Vrk64f* src, Vrk64f value, Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksSubC_64f_I(Vrk64f value, Vrk64f* srcDst, int length);
+VRKS_API VrkStatus vrksSubC_64fc(const Vrk64fc* src, Vrk64fc value, Vrk64fc* dst, int length);
+VRKS_API VrkStatus vrksSubC_64fc_I(Vrk64fc value, Vrk64fc* srcDst, int length);
+VRKS_API VrkStatus vrksSubC_16s_ISfs(Vrk16s value, Vrk16s* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSubC_16s_Sfs(const Vrk16s* src, Vrk16s value, Vrk16s* dst, int length, int scale);
+VRKS_API VrkStatus vrksSubC_16sc_ISfs(Vrk16sc value, Vrk16sc* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSubC_16sc_Sfs(const Vrk16sc* src, Vrk16sc value, Vrk16sc* dst, int length, int scale);
+VRKS_API VrkStatus vrksSubC_16u_ISfs(Vrk16u value, Vrk16u* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSubC_16u_Sfs(const Vrk16u* src, Vrk16u value, Vrk16u* dst, int length, int scale);
+VRKS_API VrkStatus vrksSubC_32s_ISfs(Vrk32s value, Vrk32s* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSubC_32s_Sfs(const Vrk32s* src, Vrk32s value, Vrk32s* dst, int length, int scale);
+VRKS_API VrkStatus vrksSubC_32sc_ISfs(Vrk32sc value, Vrk32sc* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSubC_32sc_Sfs(const Vrk32sc* src, Vrk32sc value, Vrk32sc* dst, int length, int scale);
+VRKS_API VrkStatus vrksSubC_8u_ISfs(Vrk8u value, Vrk8u* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSubC_8u_Sfs(const Vrk8u* src, Vrk8u value, Vrk8u* dst, int length, int scale);
+
+/* dst = value - src (in place: srcDst = value - srcDst). */
+VRKS_API VrkStatus vrksSubCRev_32f(const Vrk32f* src, Vrk32f value, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksSubCRev_32f_I(Vrk32f value, Vrk32f* srcDst, int length);
+VRKS_API VrkStatus vrksSubCRev_32fc(const Vrk32fc* src, Vrk32fc value, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksSubCRev_32fc_I(Vrk32fc value, Vrk32fc* srcDst, int length);
+VRKS_API VrkStatus vrksSubCRev_64f(const Vrk64f* src, Vrk64f value, Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksSubCRev_64f_I(Vrk64f value, Vrk64f* srcDst, int length);
+VRKS_API VrkStatus vrksSubCRev_64fc(const Vrk64fc* src, Vrk64fc value, Vrk64fc* dst, int length);
+VRKS_API VrkStatus vrksSubCRev_64fc_I(Vrk64fc value, Vrk64fc* srcDst, int length);
+VRKS_API VrkStatus vrksSubCRev_16s_ISfs(Vrk16s value, Vrk16s* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSubCRev_16s_Sfs(const Vrk16s* src, Vrk16s value, Vrk16s* dst, int length, int scale);
+VRKS_API VrkStatus vrksSubCRev_16sc_ISfs(Vrk16sc value, Vrk16sc* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSubCRev_16sc_Sfs(const Vrk16sc* src, Vrk16sc value, Vrk16sc* dst, int length, int scale);
+VRKS_API VrkStatus vrksSubCRev_16u_ISfs(Vrk16u value, Vrk16u* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSubCRev_16u_Sfs(const Vrk16u* src, Vrk16u value, Vrk16u* dst, int length, int scale);
+VRKS_API VrkStatus vrksSubCRev_32s_ISfs(Vrk32s value, Vrk32s* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSubCRev_32s_Sfs(const Vrk32s* src, Vrk32s value, Vrk32s* dst, int length, int scale);
+VRKS_API VrkStatus vrksSubCRev_32sc_ISfs(Vrk32sc value, Vrk32sc* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSubCRev_32sc_Sfs(const Vrk32sc* src, Vrk32sc value, Vrk32sc* dst, int length, int scale);
+VRKS_API VrkStatus vrksSubCRev_8u_ISfs(Vrk8u value, Vrk8u* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksSubCRev_8u_Sfs(const Vrk8u* src, Vrk8u value, Vrk8u* dst, int length, int scale);
+
+/* dst = src1 * src2 (in place: srcDst *= src). Complex products are
+ * (ac - bd) + i(bc + ad), each operation rounded separately. _Low: no rounding
+ * and no saturation between the bounds (the low 32 bits of the shifted
+ * product). */
+VRKS_API VrkStatus vrksMul_16s(const Vrk16s* src1, const Vrk16s* src2, Vrk16s* dst, int length);
+VRKS_API VrkStatus vrksMul_16s32f(const Vrk16s* src1, const Vrk16s* src2, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksMul_16s_I(const Vrk16s* src, Vrk16s* srcDst, int length);
+VRKS_API VrkStatus vrksMul_32f(const Vrk32f* src1, const Vrk32f* src2, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksMul_32f32fc(const Vrk32f* src1, const Vrk32fc* src2, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksMul_32f32fc_I(const Vrk32f* src, Vrk32fc* srcDst, int length);
+VRKS_API VrkStatus vrksMul_32f_I(const Vrk32f* src, Vrk32f* srcDst, int length);
+VRKS_API VrkStatus vrksMul_32fc(const Vrk32fc* src1, const Vrk32fc* src2, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksMul_32fc_I(const Vrk32fc* src, Vrk32fc* srcDst, int length);
+VRKS_API VrkStatus vrksMul_64f(const Vrk64f* src1, const Vrk64f* src2, Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksMul_64f_I(const Vrk64f* src, Vrk64f* srcDst, int length);
+VRKS_API VrkStatus vrksMul_64fc(const Vrk64fc* src1, const Vrk64fc* src2, Vrk64fc* dst, int length);
+VRKS_API VrkStatus vrksMul_64fc_I(const Vrk64fc* src, Vrk64fc* srcDst, int length);
+VRKS_API VrkStatus vrksMul_8u16u(const Vrk8u* src1, const Vrk8u* src2, Vrk16u* dst, int length);
+VRKS_API VrkStatus vrksMul_16s32s_Sfs(const Vrk16s* src1, const Vrk16s* src2, Vrk32s* dst, int length, int scale);
+VRKS_API VrkStatus vrksMul_16s_ISfs(const Vrk16s* src, Vrk16s* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksMul_16s_Sfs(const Vrk16s* src1, const Vrk16s* src2, Vrk16s* dst, int length, int scale);
+VRKS_API VrkStatus vrksMul_16sc_ISfs(const Vrk16sc* src, Vrk16sc* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksMul_16sc_Sfs(const Vrk16sc* src1, const Vrk16sc* src2, Vrk16sc* dst, int length, int scale);
+VRKS_API VrkStatus vrksMul_16u16s_Sfs(const Vrk16u* src1, const Vrk16s* src2, Vrk16s* dst, int length, int scale);
+VRKS_API VrkStatus vrksMul_16u_ISfs(const Vrk16u* src, Vrk16u* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksMul_16u_Sfs(const Vrk16u* src1, const Vrk16u* src2, Vrk16u* dst, int length, int scale);
+VRKS_API VrkStatus vrksMul_32s32sc_ISfs(const Vrk32s* src, Vrk32sc* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksMul_32s32sc_Sfs(const Vrk32s* src1, const Vrk32sc* src2, Vrk32sc* dst, int length, int scale);
+VRKS_API VrkStatus vrksMul_32s_ISfs(const Vrk32s* src, Vrk32s* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksMul_32s_Sfs(const Vrk32s* src1, const Vrk32s* src2, Vrk32s* dst, int length, int scale);
+VRKS_API VrkStatus vrksMul_32sc_ISfs(const Vrk32sc* src, Vrk32sc* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksMul_32sc_Sfs(const Vrk32sc* src1, const Vrk32sc* src2, Vrk32sc* dst, int length, int scale);
+VRKS_API VrkStatus vrksMul_8u_ISfs(const Vrk8u* src, Vrk8u* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksMul_8u_Sfs(const Vrk8u* src1, const Vrk8u* src2, Vrk8u* dst, int length, int scale);
+VRKS_API VrkStatus vrksMul_Low_32s_Sfs(const Vrk32s* src1, const Vrk32s* src2, Vrk32s* dst, int length, int scale);
+
+/* dst = src * value (in place: srcDst *= value). MulC_32f16s_Sfs folds the
+ * scale into value and rounds to nearest even; MulC_Low_32f16s converts under
+ * the caller's rounding mode. The 64-bit forms take an unsigned length. */
+VRKS_API VrkStatus vrksMulC_16s_I(Vrk16s value, Vrk16s* srcDst, int length);
+VRKS_API VrkStatus vrksMulC_32f(const Vrk32f* src, Vrk32f value, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksMulC_32f_I(Vrk32f value, Vrk32f* srcDst, int length);
+VRKS_API VrkStatus vrksMulC_32fc(const Vrk32fc* src, Vrk32fc value, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksMulC_32fc_I(Vrk32fc value, Vrk32fc* srcDst, int length);
+VRKS_API VrkStatus vrksMulC_64f(const Vrk64f* src, Vrk64f value, Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksMulC_64f_I(Vrk64f value, Vrk64f* srcDst, int length);
+VRKS_API VrkStatus vrksMulC_64fc(const Vrk64fc* src, Vrk64fc value, Vrk64fc* dst, int length);
+VRKS_API VrkStatus vrksMulC_64fc_I(Vrk64fc value, Vrk64fc* srcDst, int length);
+VRKS_API VrkStatus vrksMulC_Low_32f16s(const Vrk32f* src, Vrk32f value, Vrk16s* dst, int length);
+VRKS_API VrkStatus vrksMulC_16s_ISfs(Vrk16s value, Vrk16s* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksMulC_16s_Sfs(const Vrk16s* src, Vrk16s value, Vrk16s* dst, int length, int scale);
+VRKS_API VrkStatus vrksMulC_16sc_ISfs(Vrk16sc value, Vrk16sc* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksMulC_16sc_Sfs(const Vrk16sc* src, Vrk16sc value, Vrk16sc* dst, int length, int scale);
+VRKS_API VrkStatus vrksMulC_16u_ISfs(Vrk16u value, Vrk16u* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksMulC_16u_Sfs(const Vrk16u* src, Vrk16u value, Vrk16u* dst, int length, int scale);
+VRKS_API VrkStatus vrksMulC_32f16s_Sfs(const Vrk32f* src, Vrk32f value, Vrk16s* dst, int length, int scale);
+VRKS_API VrkStatus vrksMulC_32s_ISfs(Vrk32s value, Vrk32s* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksMulC_32s_Sfs(const Vrk32s* src, Vrk32s value, Vrk32s* dst, int length, int scale);
+VRKS_API VrkStatus vrksMulC_32sc_ISfs(Vrk32sc value, Vrk32sc* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksMulC_32sc_Sfs(const Vrk32sc* src, Vrk32sc value, Vrk32sc* dst, int length, int scale);
+VRKS_API VrkStatus vrksMulC_64f64s_ISfs(Vrk64f value, Vrk64s* srcDst, Vrk32u length, int scale);
+VRKS_API VrkStatus vrksMulC_64s_ISfs(Vrk64s value, Vrk64s* srcDst, Vrk32u length, int scale);
+VRKS_API VrkStatus vrksMulC_8u_ISfs(Vrk8u value, Vrk8u* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksMulC_8u_Sfs(const Vrk8u* src, Vrk8u value, Vrk8u* dst, int length, int scale);
+
+/* srcDst += src1 * src2; the _Sfs forms scale the whole sum. */
+VRKS_API VrkStatus vrksAddProduct_32f(const Vrk32f* src1, const Vrk32f* src2, Vrk32f* srcDst, int length);
+VRKS_API VrkStatus vrksAddProduct_32fc(const Vrk32fc* src1, const Vrk32fc* src2, Vrk32fc* srcDst, int length);
+VRKS_API VrkStatus vrksAddProduct_64f(const Vrk64f* src1, const Vrk64f* src2, Vrk64f* srcDst, int length);
+VRKS_API VrkStatus vrksAddProduct_64fc(const Vrk64fc* src1, const Vrk64fc* src2, Vrk64fc* srcDst, int length);
+VRKS_API VrkStatus vrksAddProduct_16s32s_Sfs(const Vrk16s* src1, const Vrk16s* src2, Vrk32s* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksAddProduct_16s_Sfs(const Vrk16s* src1, const Vrk16s* src2, Vrk16s* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksAddProduct_32s_Sfs(const Vrk32s* src1, const Vrk32s* src2, Vrk32s* srcDst, int length, int scale);
+
+/* srcDst += value * src. */
+VRKS_API VrkStatus vrksAddProductC_32f(const Vrk32f* src, Vrk32f value, Vrk32f* srcDst, int length);
+
 #ifdef __cplusplus
 }
 #endif

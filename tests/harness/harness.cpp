@@ -18,6 +18,29 @@ const std::vector<int>& long_lengths() {
   return v;
 }
 
+const std::vector<int>& short_lengths() {
+  static const std::vector<int> v = {1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 33, 63, 64, 65, 100, 257, 1000};
+  return v;
+}
+
+__int128 reference_scale(__int128 r, int scale, __int128 lo, __int128 hi) {
+  __int128 q = r;
+  if (scale > 0) {
+    if (scale >= 127) {
+      q = 0;
+    } else {
+      const __int128 d = __int128(1) << scale;
+      __int128 rem = r % d;
+      q = r / d;  // truncated
+      if (rem < 0) rem = -rem;
+      if (2 * rem > d || (2 * rem == d && (q & 1) != 0)) q += r < 0 ? -1 : 1;
+    }
+  } else if (scale < 0) {
+    for (int k = 0; k < -scale && q != 0 && q > lo && q < hi; ++k) q *= 2;
+  }
+  return q < lo ? lo : q > hi ? hi : q;
+}
+
 std::vector<size_t> misalignments(size_t step) {
   std::vector<size_t> m;
   for (size_t i = 0; i < 64; i += step) m.push_back(i);

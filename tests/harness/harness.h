@@ -13,9 +13,12 @@
 
 #include <cstdint>
 #include <cstring>
+#include <algorithm>
 #include <functional>
+#include <limits>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "vrks.h"
@@ -58,11 +61,21 @@ class Guarded {
   size_t offset_;
 };
 
+// A value the compiler must treat as unknown: references launder products
+// with it so that no pattern fuses them into a single-rounding operation.
+template <class T>
+[[gnu::always_inline]] inline T keep(T x) {
+  __asm__("" : "+x"(x));
+  return x;
+}
+
 // ---- sweeps -------------------------------------------------------------------
 
 // 0..70 one by one, then lengths around 128, 256, 512 and 1 Ki elements and a
 // few long ones that reach the streaming and threaded roads.
 const std::vector<int>& lengths();
+// A few lengths across every kernel width, for rows run at many parameters.
+const std::vector<int>& short_lengths();
 // Lengths long enough to reach threaded roads, for serial/threaded comparison.
 const std::vector<int>& long_lengths();
 
@@ -95,6 +108,9 @@ struct UnaryRow {
   std::function<VrkStatus(const S*, D*, int)> fn;
   std::function<void(const S*, D*, int)> reference;
   std::function<VrkStatus(D*, int)> in_place = nullptr;
+  // Computed floating results: any NaN matches any NaN. Copies keep false:
+  // their NaN payloads must arrive bit for bit.
+  bool any_nan = false;
 };
 
 // One export of shape (D* dst, int length) that writes every element, such as
@@ -110,6 +126,35 @@ template <class T>
 constexpr size_t step_of() {
   return alignof(T) < 8 ? alignof(T) : 8;  // 16-byte complex types lie on 8
 }
+
+// Destination bytes compared element by element: floating parts must match
+// bit for bit, except that any NaN matches any NaN (which operand's payload
+// an IEEE operation passes on is the processor's choice).
+template <class D>
+bool same_result(const std::vector<uint8_t>& got, const std::vector<uint8_t>& want) {
+  if (got.size() != want.size()) return false;
+  if constexpr (std::is_floating_point_v<D> || std::is_same_v<D, Vrk32fc> || std::is_same_v<D, Vrk64fc>) {
+    using P = std::conditional_t<std::is_same_v<D, Vrk32fc> || std::is_same_v<D, Vrk32f>, float, double>;
+    for (size_t i = 0; i < got.size(); i += sizeof(P)) {
+      P g, w;
+      std::memcpy(&g, got.data() + i, sizeof g);
+      std::memcpy(&w, want.data() + i, sizeof w);
+      if (g != g && w != w) continue;
+      if (std::memcmp(&g, &w, sizeof g) != 0) return false;
+    }
+    return true;
+  } else {
+    return got == want;
+  }
+}
+
+#define VT_EXPECT_SAME(D, got, want, what)                                        \
+  do {                                                                            \
+    if (!same_result<D>((got), (want))) {                                         \
+      ADD_FAILURE() << what << ": results differ";                                \
+      return;                                                                     \
+    }                                                                             \
+  } while (0)
 
 #define VT_EXPECT_BYTES_EQ(got, want, what)                                       \
   do {                                                                            \
@@ -144,7 +189,8 @@ void run(const UnaryRow<S, D>& row) {
         continue;
       }
       EXPECT_EQ(st, vrkStatusOk) << what;
-      VT_EXPECT_BYTES_EQ(dst.bytes(), want, what);
+      if (row.any_nan) VT_EXPECT_SAME(D, dst.bytes(), want, what);
+      else VT_EXPECT_BYTES_EQ(dst.bytes(), want, what);
       EXPECT_TRUE(dst.guards_intact()) << what;
       EXPECT_TRUE(src.guards_intact() && src.bytes() == src_before) << what << ": source changed";
       if constexpr (sizeof(S) == sizeof(D)) {
@@ -152,7 +198,8 @@ void run(const UnaryRow<S, D>& row) {
           Guarded io(n_ * sizeof(D), m);
           std::memcpy(io.data(), src_before.data(), src_before.size());
           EXPECT_EQ(row.in_place(io.as<D>(), n), vrkStatusOk) << what;
-          VT_EXPECT_BYTES_EQ(io.bytes(), want, what + " in place");
+          if (row.any_nan) VT_EXPECT_SAME(D, io.bytes(), want, what + " in place");
+          else VT_EXPECT_BYTES_EQ(io.bytes(), want, what + " in place");
           EXPECT_TRUE(io.guards_intact()) << what << " in place";
         }
       }
@@ -186,6 +233,75 @@ void run(const FillRow<D>& row) {
     }
   }
 }
+
+// One export of shape (const X* src1, const Y* src2, D* dst, int length),
+// optionally with an in-place twin (const X* src, D* srcDst, int length)
+// whose srcDst holds src2 on entry. `reference` writes the expected dst.
+template <class X, class Y, class D>
+struct BinaryRow {
+  std::string name;
+  std::function<VrkStatus(const X*, const Y*, D*, int)> fn;
+  std::function<void(const X*, const Y*, D*, int)> reference;
+  std::function<VrkStatus(const X*, D*, int)> in_place = nullptr;
+};
+
+// Random contents for a source: random bytes, with the extremes of an
+// integer part type planted now and then so that saturation is met often.
+template <class T>
+void fill_source(Guarded& g, std::mt19937_64& rng) {
+  g.fill_random(rng);
+  using P = std::conditional_t<(sizeof(T) > 8), uint64_t, T>;
+  if constexpr (std::is_integral_v<P> && sizeof(T) == sizeof(P)) {
+    auto* p = g.as<T>();
+    const size_t n = g.size() / sizeof(T);
+    for (size_t i = 0; i < n; i += 1 + rng() % 5) {
+      const unsigned pick = unsigned(rng() % 4);
+      p[i] = pick == 0 ? std::numeric_limits<T>::max() : pick == 1 ? std::numeric_limits<T>::min()
+           : pick == 2 ? T(0) : T(1);
+    }
+  }
+}
+
+// `light` runs a few misalignments only, for rows repeated at many parameters.
+template <class X, class Y, class D>
+void run(const BinaryRow<X, Y, D>& row, bool light = false) {
+  SCOPED_TRACE(row.name);
+  std::mt19937_64 rng(0xb1);
+  const size_t step = std::max(step_of<X>(), step_of<D>());
+  const std::vector<size_t> few = {0, step, 32 - step, 32 + step};
+  for (int n : light ? short_lengths() : lengths()) {
+    for (size_t m : light ? few : misalignments(step)) {
+      const size_t n_ = size_t(n);
+      Guarded a(n_ * sizeof(X), m), b(n_ * sizeof(Y), partner_offset(m, 1, step_of<Y>())),
+          dst(n_ * sizeof(D), partner_offset(m, 2, step_of<D>()));
+      fill_source<X>(a, rng);
+      fill_source<Y>(b, rng);
+      const auto a_before = a.bytes(), b_before = b.bytes();
+      std::vector<uint8_t> want(n_ * sizeof(D));
+      if (n > 0) row.reference(a.as<X>(), b.as<Y>(), reinterpret_cast<D*>(want.data()), n);
+      const std::string what = row.name + " length " + std::to_string(n) + " misalignment " + std::to_string(m);
+      const VrkStatus st = row.fn(a.as<X>(), b.as<Y>(), dst.as<D>(), n);
+      EXPECT_EQ(st, n == 0 ? vrkStatusSizeError : vrkStatusOk) << what;
+      if (n > 0) VT_EXPECT_SAME(D, dst.bytes(), want, what);
+      EXPECT_TRUE(dst.guards_intact()) << what;
+      EXPECT_TRUE(a.bytes() == a_before && b.bytes() == b_before) << what << ": source changed";
+      if constexpr (sizeof(Y) == sizeof(D)) {
+        if (row.in_place && n > 0) {
+          Guarded io(n_ * sizeof(D), partner_offset(m, 2, step_of<D>()));
+          std::memcpy(io.data(), b_before.data(), b_before.size());
+          EXPECT_EQ(row.in_place(a.as<X>(), io.as<D>(), n), vrkStatusOk) << what;
+          VT_EXPECT_SAME(D, io.bytes(), want, what + " in place");
+          EXPECT_TRUE(io.guards_intact()) << what << " in place";
+        }
+      }
+    }
+  }
+}
+
+
+// The exact scale-factor rule, independent of the library's: r * 2^-scale
+// rounded to nearest with ties to even, clamped to [lo, hi].
+__int128 reference_scale(__int128 r, int scale, __int128 lo, __int128 hi);
 
 // ---- error paths ----------------------------------------------------------------
 
@@ -221,6 +337,24 @@ void check_errors(const UnaryRow<S, D>& row, Order order = Order::PointersFirst)
   if (row.in_place)
     check_errors(row.name + " in place", 1, order, [&](unsigned nulls, int n) {
       return row.in_place(nulls & 1 ? nullptr : dst.as<D>(), n);
+    }, untouched);
+}
+
+template <class X, class Y, class D>
+void check_errors(const BinaryRow<X, Y, D>& row, Order order = Order::PointersFirst) {
+  Guarded a(64 * sizeof(X), 0), b(64 * sizeof(Y), 0), dst(64 * sizeof(D), 0);
+  std::mt19937_64 rng(9);
+  a.fill_random(rng);
+  b.fill_random(rng);
+  const auto before = std::make_tuple(a.bytes(), b.bytes(), dst.bytes());
+  auto untouched = [&] { return std::make_tuple(a.bytes(), b.bytes(), dst.bytes()) == before; };
+  check_errors(row.name, 3, order, [&](unsigned nulls, int n) {
+    return row.fn(nulls & 1 ? nullptr : a.as<X>(), nulls & 2 ? nullptr : b.as<Y>(),
+                  nulls & 4 ? nullptr : dst.as<D>(), n);
+  }, untouched);
+  if (row.in_place)
+    check_errors(row.name + " in place", 2, order, [&](unsigned nulls, int n) {
+      return row.in_place(nulls & 1 ? nullptr : a.as<X>(), nulls & 2 ? nullptr : dst.as<D>(), n);
     }, untouched);
 }
 
