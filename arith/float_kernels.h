@@ -71,12 +71,14 @@ constexpr size_t kStreamFrom = size_t(1) << 20;
 // element at element index k) over n elements of `per` parts each, storing
 // vectors with `store(p, v)`; the destination is brought to 32 bytes by
 // single elements first when it is long enough to stream.
+// A destination that is also a source is never streamed: its lines are in
+// the cache already.
 template <class P, class Body, class Tail>
-inline void run_parts(P* d, size_t n, size_t per, Body&& body, Tail&& tail) {
+inline void run_parts(P* d, size_t n, size_t per, bool apart, Body&& body, Tail&& tail) {
   using L = Lanes<P>;
   const size_t parts = n * per;
   size_t k = 0;  // elements done
-  const bool stream = parts * sizeof(P) >= kStreamFrom;
+  const bool stream = apart && parts * sizeof(P) >= kStreamFrom;
   if (stream) {
     while (k < n && (reinterpret_cast<uintptr_t>(d + k * per) & 31) != 0) tail(k++);
     if ((reinterpret_cast<uintptr_t>(d + k * per) & 31) != 0) {  // can't be aligned: no streaming
@@ -149,6 +151,8 @@ void float_apply(const T* x, const Y& y, T* d, size_t n) {
   constexpr bool arrays = std::is_pointer_v<Y>;
   const P* xp = reinterpret_cast<const P*>(x);
   P* dp = reinterpret_cast<P*>(d);
+  bool apart = static_cast<const void*>(x) != d;
+  if constexpr (arrays) apart = apart && static_cast<const void*>(y) != d;
   auto y_at = [&](size_t k) -> const T& {
     if constexpr (arrays) return y[k];
     else return y;
@@ -161,12 +165,12 @@ void float_apply(const T* x, const Y& y, T* d, size_t n) {
   if constexpr (arrays) {
     const P* yp = reinterpret_cast<const P*>(y);
     if constexpr (cplx && O == FOp::Mul)
-      run_parts(dp, n, per, [&](size_t i) { return complex_product<L>(L::ld(xp + i), L::ld(yp + i)); }, tail);
+      run_parts(dp, n, per, apart, [&](size_t i) { return complex_product<L>(L::ld(xp + i), L::ld(yp + i)); }, tail);
     else
-      run_parts(dp, n, per, [&](size_t i) { return vop<O, L>(L::ld(xp + i), L::ld(yp + i)); }, tail);
+      run_parts(dp, n, per, apart, [&](size_t i) { return vop<O, L>(L::ld(xp + i), L::ld(yp + i)); }, tail);
   } else if constexpr (cplx && O == FOp::Mul) {
     const auto c = L::set1(y.re), e = L::set1(y.im);
-    run_parts(dp, n, per, [&](size_t i) {
+    run_parts(dp, n, per, apart, [&](size_t i) {
       const auto v = L::ld(xp + i);
       return L::addsub(L::mul(v, c), L::mul(L::swap_parts(v), e));
     }, tail);
@@ -174,7 +178,7 @@ void float_apply(const T* x, const Y& y, T* d, size_t n) {
     typename L::V yv;
     if constexpr (cplx) yv = L::pair(y.re, y.im);
     else yv = L::set1(y);
-    run_parts(dp, n, per, [&](size_t i) { return vop<O, L>(L::ld(xp + i), yv); }, tail);
+    run_parts(dp, n, per, apart, [&](size_t i) { return vop<O, L>(L::ld(xp + i), yv); }, tail);
   }
 }
 
@@ -188,7 +192,7 @@ void float_subtract_from(const T& value, const T* x, T* d, size_t n) {
   if constexpr (is_complex_v<T>) v = L::pair(value.re, value.im);
   else v = L::set1(value);
   const P* xp = reinterpret_cast<const P*>(x);
-  run_parts(reinterpret_cast<P*>(d), n, per, [&](size_t i) { return L::sub(v, L::ld(xp + i)); },
+  run_parts(reinterpret_cast<P*>(d), n, per, static_cast<const void*>(x) != d, [&](size_t i) { return L::sub(v, L::ld(xp + i)); },
             [&](size_t k) {
               if constexpr (is_complex_v<T>) d[k] = T{value.re - x[k].re, value.im - x[k].im};
               else d[k] = value - x[k];
@@ -221,15 +225,15 @@ void float_accumulate(const T* x, const Y& y, T* acc, size_t n) {
   P* ap = reinterpret_cast<P*>(acc);
   if constexpr (cplx) {
     const P* yp = reinterpret_cast<const P*>(y);
-    run_parts(ap, n, 2, [&](size_t i) {
+    run_parts(ap, n, 2, false, [&](size_t i) {
       const auto a = L::ld(xp + i), b = L::ld(yp + i);
       return L::addsub(L::add(L::mul(a, L::dup_re(b)), L::ld(ap + i)), L::mul(L::swap_parts(a), L::dup_im(b)));
     }, tail);
   } else if constexpr (arrays) {
-    run_parts(ap, n, 1, [&](size_t i) { return L::add(L::ld(ap + i), L::mul(L::ld(xp + i), L::ld(y + i))); }, tail);
+    run_parts(ap, n, 1, false, [&](size_t i) { return L::add(L::ld(ap + i), L::mul(L::ld(xp + i), L::ld(y + i))); }, tail);
   } else {
     const auto v = L::set1(y);
-    run_parts(ap, n, 1, [&](size_t i) { return L::add(L::ld(ap + i), L::mul(L::ld(xp + i), v)); }, tail);
+    run_parts(ap, n, 1, false, [&](size_t i) { return L::add(L::ld(ap + i), L::mul(L::ld(xp + i), v)); }, tail);
   }
 }
 

@@ -20,7 +20,15 @@ import sys
 TO_NS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
+ELEMENTS = False
+
+
 def size_label(n):
+    if ELEMENTS:
+        for shift, unit in ((20, "Mi"), (10, "Ki")):
+            if n >= 1 << shift and n % (1 << shift) == 0:
+                return f"{n >> shift} {unit}"
+        return str(n)
     for shift, unit in ((20, "MiB"), (10, "KiB")):
         if n >= 1 << shift and n % (1 << shift) == 0:
             return f"{n >> shift} {unit}"
@@ -57,7 +65,11 @@ def main():
     ap.add_argument("file", nargs="?", default="-", help="benchmark JSON (default: stdin)")
     ap.add_argument("--clock", choices=("cpu", "real"), default="cpu",
                     help="which measured time to compare (default: cpu)")
+    ap.add_argument("--elements", action="store_true",
+                    help="sizes are element counts, not bytes")
     args = ap.parse_args()
+    global ELEMENTS
+    ELEMENTS = args.elements
     if args.file == "-":
         runs, ops = load(sys.stdin, args.clock)
     else:
