@@ -42,6 +42,23 @@ int main(void) {
   vrksCopy_1u(pattern, 0, bits, 6, 4);
   printf("  bit field at offset 6:         %02x %02x\n", bits[0], bits[1]);
 
+  /* Mixing two 16-bit PCM signals: the sum halved with rounding to nearest
+   * even (scale 1), then a gain of 3/2 (x 3, scale 1) that saturates instead
+   * of wrapping. */
+  {
+    const Vrk16s voice[6] = {1000, -2000, 30000, -30000, 5, 7};
+    const Vrk16s music[6] = {3000, 1000, 20000, -20000, 0, 0};
+    Vrk16s mix[6];
+    vrksAdd_16s_Sfs(voice, music, mix, 6, 1);
+    printf("  mixed 16-bit samples:         ");
+    for (i = 0; i < 6; ++i) printf(" %6d", mix[i]);
+    printf("\n");
+    vrksMulC_16s_ISfs(3, mix, 6, 1);
+    printf("  with a gain of 1.5:           ");
+    for (i = 0; i < 6; ++i) printf(" %6d", mix[i]);
+    printf("\n");
+  }
+
   /* Errors are statuses; nothing is written. */
   printf("  copy with a null source:       status %d\n", vrksCopy_32fc(NULL, rev, n));
   printf("  copy of length 0:              status %d\n", vrksCopy_32fc(iq, rev, 0));
