@@ -207,7 +207,8 @@ void run(const UnaryRow<S, D>& row) {
   }
   // Serial and threaded roads agree bit for bit.
   for (int n : long_lengths()) {
-    Guarded src(size_t(n) * sizeof(S), 0), one(size_t(n) * sizeof(D), 4), two(size_t(n) * sizeof(D), 4);
+    Guarded src(size_t(n) * sizeof(S), 0), one(size_t(n) * sizeof(D), step_of<D>()),
+        two(size_t(n) * sizeof(D), step_of<D>());
     src.fill_random(rng);
     const VrkStatus s1 = with_threads(1, [&] { return row.fn(src.as<S>(), one.as<D>(), n); });
     const VrkStatus s2 = with_threads(2, [&] { return row.fn(src.as<S>(), two.as<D>(), n); });
