@@ -7,7 +7,7 @@ bash tools/deps.sh --tests
 jobs=$(nproc)
 
 echo "== optimised build"
-cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release > /dev/null
+cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release -DVRKS_BUILD_BENCH=ON > /dev/null
 cmake --build build
 ctest --test-dir build --output-on-failure -j "$jobs"
 
