@@ -111,7 +111,7 @@ template <class V>
 VRKS_ALWAYS_INLINE void move_short(uint8_t* d, const uint8_t* s, size_t n) {
   if (n < 32) return move_tiny(d, s, n);
   if constexpr (V::W == 64)
-    if (n < 64) return move_few<V256>(d, s, n);
+    if (n <= 64) return move_few<V256>(d, s, n);
   move_few<V>(d, s, n);
 }
 
@@ -187,7 +187,7 @@ VRKS_ALWAYS_INLINE void backward_long(uint8_t* d, const uint8_t* s, size_t n) {
 // Blocks up to this size are copied by the vector loop, which beats the
 // string instruction while source and destination stay in the first-level
 // cache; above it the string instruction wins until streaming pays.
-constexpr size_t kStringCopyFrom = size_t(32) << 10;
+constexpr size_t kStringCopyFrom = size_t(20) << 10;
 constexpr size_t kStringFillFrom = size_t(768) << 10;
 
 inline void string_copy(uint8_t* d, const uint8_t* s, size_t n) {
