@@ -57,7 +57,7 @@ void add(const std::string& op, const char* impl, size_t n, K kernel) {
 // The plain loops, kept out of line so that each is compiled once, as a
 // user's own function would be.
 #define LOOP(name, T, body)                                                        \
-  [[gnu::noinline]] void name(const T* a, const T* b, T* d, int n) {               \
+  [[gnu::noinline]] void name(const T* a, [[maybe_unused]] const T* b, T* d, int n) {               \
     for (int i = 0; i < n; ++i) body;                                              \
   }
 LOOP(add_32f, float, d[i] = a[i] + b[i])
@@ -106,7 +106,7 @@ LOOP(add_16s, int16_t, d[i] = sat16(int32_t(a[i]) + b[i]))
   const int s = g_scale[2];
   for (int i = 0; i < n; ++i) d[i] = sat32(rne(int64_t(a[i]) + b[i], s));
 }
-[[gnu::noinline]] void mulc_32s_sfs4(const int32_t* a, const int32_t* b, int32_t* d, int n) {
+[[gnu::noinline]] void mulc_32s_sfs4(const int32_t* a, [[maybe_unused]] const int32_t* b, int32_t* d, int n) {
   const int s = g_scale[4];
   for (int i = 0; i < n; ++i) d[i] = sat32(rne(int64_t(a[i]) * 12345, s));
 }

@@ -1,16 +1,25 @@
 #!/usr/bin/python3
-"""Ratio table for vrks_bench_memory.
+"""Ratio tables for vrks_bench_memory and vrks_bench_convert.
 
 Reads the JSON that Google Benchmark writes (--benchmark_format=json or
---benchmark_out=FILE) from FILE or standard input, pairs every
-<operation>/vrks/<bytes> case with <operation>/<reference>/<bytes>, and prints
-one row per size and one column per operation. Each cell is
+--benchmark_out=FILE) from FILE or standard input. With repetitions, the
+median of the repeated runs is used (or the reported median aggregate when
+only aggregates were written).
+
+Memory (cases <operation>/<vrks|reference>/<bytes>): one row per size, one
+column per operation. Each cell is
 
     vrks time / reference time   (below 1.0: vrks is faster)
 
 followed by the vrks throughput in GB/s (10^9 bytes written per second).
-With repetitions, the median of the repeated runs is used (or the reported
-median aggregate when only aggregates were written).
+
+Conversion (cases <pair>/<vrks|loop|copy>/<elements>, recognised by the
+"copy" cases): one row per pair; for each length
+
+    speed-up   plain loop time / vrks time (above 1.0: vrks is faster)
+    GB/s       vrks traffic, bytes read plus bytes written, per second
+    of copy    copy time / vrks time for the same traffic (1.00: vrks runs
+               at the speed of a copy; 0.90: within 10% of it)
 """
 import argparse
 import json
@@ -60,6 +69,31 @@ def load(stream, clock):
             for k, v in runs.items()}, order
 
 
+def convert_table(runs):
+    """The conversion table: pairs by rows, lengths by column groups."""
+    pairs = []
+    for (op, impl, _) in runs:
+        if impl == "vrks" and op not in pairs:
+            pairs.append(op)
+    sizes = sorted({s for (_, i, s) in runs if i == "vrks"})
+    with_copy = {s for (_, i, s) in runs if i == "copy"}
+    width = max([len(p) for p in pairs] + [4])
+    head = f"{'pair':<{width}}"
+    for s in sizes:
+        head += f"  {'x loop':>7} {'GB/s':>7}" + (f" {'of copy':>8}" if s in with_copy else "")
+    print(" " * width + "".join(f"  {'length ' + str(s):<{16 + (9 if s in with_copy else 0)}}" for s in sizes))
+    print(head)
+    for p in pairs:
+        line = f"{p:<{width}}"
+        for s in sizes:
+            v, loop, copy = runs.get((p, "vrks", s)), runs.get((p, "loop", s)), runs.get((p, "copy", s))
+            line += f"  {loop[0] / v[0]:7.2f}" if v and loop else f"  {'-':>7}"
+            line += f" {v[1] / 1e9:7.2f}" if v else f" {'-':>7}"
+            if s in with_copy:
+                line += f" {copy[0] / v[0]:8.2f}" if v and copy else f" {'-':>8}"
+        print(line)
+
+
 def main():
     ap = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     ap.add_argument("file", nargs="?", default="-", help="benchmark JSON (default: stdin)")
@@ -75,6 +109,8 @@ def main():
     else:
         with open(args.file) as f:
             runs, ops = load(f, args.clock)
+    if any(impl == "copy" for (_, impl, _) in runs):
+        return convert_table(runs)
 
     cells = {}  # (op, bytes) -> text
     for (op, impl, size), (t, rate) in runs.items():

@@ -22,6 +22,15 @@ template <class... P>
   return vrkStatusOk;
 }
 
+// The few forms with an unsigned 32-bit length refuse only 0: pointers
+// first (vrkStatusNullPointer), then a length of 0 (vrkStatusSizeError).
+template <class... P>
+[[gnu::always_inline]] constexpr VrkStatus check_unsigned(uint32_t length, P... p) {
+  if (any_null(p...)) return vrkStatusNullPointer;
+  if (length == 0) return vrkStatusSizeError;
+  return vrkStatusOk;
+}
+
 }  // namespace vrks
 
 // Returns from the enclosing function when a check fails.

@@ -484,6 +484,170 @@ VRKS_API VrkStatus vrksAddProduct_32s_Sfs(const Vrk32s* src1, const Vrk32s* src2
 /* srcDst += value * src. */
 VRKS_API VrkStatus vrksAddProductC_32f(const Vrk32f* src, Vrk32f value, Vrk32f* srcDst, int length);
 
+/* ---- type conversion ---------------------------------------------------- */
+/* Conversions saturate: no result wraps. Results never depend on the
+ * caller's floating-point environment: every function that computes in
+ * floating point runs with round-to-nearest, subnormals kept and exceptions
+ * masked, and restores the caller's settings before it returns (exception
+ * flags may stay raised). Full rules and examples: docs/conversion.md.
+ *
+ * rounding: 0 toward zero, 1 to nearest even, any other value half away from
+ * zero (one half is added to the magnitude in the source's precision, then
+ * truncated). The half-precision forms offer only 0 and 1: they refuse 2 with
+ * vrkStatusRoundMode, take 1 as to nearest and any other value as toward zero.
+ *
+ * 24-bit samples are three bytes, least significant first, passed through
+ * byte pointers; length counts samples. No call writes past the last sample.
+ *
+ * The forms with a uint32_t length refuse only 0 (vrkStatusSizeError). */
+
+/* Widening: exact, except 32s32f and 64s64f, which round to nearest. 24-bit
+ * sources keep their integer value (24s sign-extends). 16f32f is exact for
+ * every code: infinities and NaN (payload and signalling bit kept) included. */
+VRKS_API VrkStatus vrksConvert_8s16s(const Vrk8s* src, Vrk16s* dst, int length);
+VRKS_API VrkStatus vrksConvert_8s32f(const Vrk8s* src, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksConvert_8u32f(const Vrk8u* src, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksConvert_16s32s(const Vrk16s* src, Vrk32s* dst, int length);
+VRKS_API VrkStatus vrksConvert_16s32f(const Vrk16s* src, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksConvert_16u32f(const Vrk16u* src, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksConvert_16f32f(const Vrk16f* src, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksConvert_24s32f(const Vrk8u* src, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksConvert_24s32s(const Vrk8u* src, Vrk32s* dst, int length);
+VRKS_API VrkStatus vrksConvert_24u32f(const Vrk8u* src, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksConvert_24u32u(const Vrk8u* src, Vrk32u* dst, int length);
+VRKS_API VrkStatus vrksConvert_32f64f(const Vrk32f* src, Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksConvert_32s32f(const Vrk32s* src, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksConvert_32s64f(const Vrk32s* src, Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksConvert_64s64f(const Vrk64s* src, Vrk64f* dst, uint32_t length);
+
+/* Plain narrowing. 32s16s saturates. 64f32f clamps to +-3.402823466e+38
+ * first: infinities, values beyond the float range and NaN (either sign) give
+ * the largest finite float of that sign (NaN: positive). */
+VRKS_API VrkStatus vrksConvert_32s16s(const Vrk32s* src, Vrk16s* dst, int length);
+VRKS_API VrkStatus vrksConvert_64f32f(const Vrk64f* src, Vrk32f* dst, int length);
+
+/* Integer to floating, times 2^-scale (exact, except the 32s32f rounding).
+ * scale is clamped: 16s32f [-112, 126], 32s32f [-96, 126], 16s64f
+ * [-1008, 1022], 32s64f [-992, 1022]. */
+VRKS_API VrkStatus vrksConvert_16s32f_Sfs(const Vrk16s* src, Vrk32f* dst, int length, int scale);
+VRKS_API VrkStatus vrksConvert_32s32f_Sfs(const Vrk32s* src, Vrk32f* dst, int length, int scale);
+VRKS_API VrkStatus vrksConvert_16s64f_Sfs(const Vrk16s* src, Vrk64f* dst, int length, int scale);
+VRKS_API VrkStatus vrksConvert_32s64f_Sfs(const Vrk32s* src, Vrk64f* dst, int length, int scale);
+
+/* Floating to integer: y = src * 2^-scale, rounded by `rounding`, saturated.
+ * 32f sources and 64f32s: 2^-scale is formed by |scale| halvings or doublings
+ * in float, so it is 0 for scale >= 150 and infinite for scale <= -128 (then
+ * 0 * inf is NaN). 64f16s: scale clamped to [-1008, 1022]. 64f64s: formed in
+ * double (0 from scale 1075, infinite from -1024); a source at or below
+ * DBL_MIN * 2^scale gives 0 and one at or above DBL_MAX * 2^scale saturates
+ * by its sign. NaN gives: 8s 127, 8u 255, 16s 32767, 16u 0, 32s from 32f
+ * 2147483647 or -2147483648 by the NaN's sign bit, 32s from 64f 2147483647,
+ * 64s -2^63. */
+VRKS_API VrkStatus vrksConvert_32f8s_Sfs(const Vrk32f* src, Vrk8s* dst, int length, VrkRoundMode rounding, int scale);
+VRKS_API VrkStatus vrksConvert_32f8u_Sfs(const Vrk32f* src, Vrk8u* dst, int length, VrkRoundMode rounding, int scale);
+VRKS_API VrkStatus vrksConvert_32f16s_Sfs(const Vrk32f* src, Vrk16s* dst, int length, VrkRoundMode rounding, int scale);
+VRKS_API VrkStatus vrksConvert_32f16u_Sfs(const Vrk32f* src, Vrk16u* dst, int length, VrkRoundMode rounding, int scale);
+VRKS_API VrkStatus vrksConvert_32f32s_Sfs(const Vrk32f* src, Vrk32s* dst, int length, VrkRoundMode rounding, int scale);
+VRKS_API VrkStatus vrksConvert_64f16s_Sfs(const Vrk64f* src, Vrk16s* dst, int length, VrkRoundMode rounding, int scale);
+VRKS_API VrkStatus vrksConvert_64f32s_Sfs(const Vrk64f* src, Vrk32s* dst, int length, VrkRoundMode rounding, int scale);
+VRKS_API VrkStatus vrksConvert_64f64s_Sfs(const Vrk64f* src, Vrk64s* dst, uint32_t length, VrkRoundMode rounding,
+                                          int scale);
+
+/* Float to 24-bit, always to nearest even: scale clamped to [-127, 127],
+ * where 127 gives a multiplier of 0. NaN gives -8388608 (24s) or 0 (24u). */
+VRKS_API VrkStatus vrksConvert_32f24s_Sfs(const Vrk32f* src, Vrk8u* dst, int length, int scale);
+VRKS_API VrkStatus vrksConvert_32f24u_Sfs(const Vrk32f* src, Vrk8u* dst, int length, int scale);
+
+/* Integer narrowing by the scale-factor rule, scale clamped: 32s16s
+ * [-15, 31], 32s24s and 32u24u [-31, 31] (so a scale of 40 acts as 31).
+ * 16s8s rounds the magnitude by `rounding` and restores the sign; 64s32s
+ * rounds by `rounding` (mode 1 is the scale-factor rule), scale clamped to
+ * [-31, 63]. */
+VRKS_API VrkStatus vrksConvert_32s16s_Sfs(const Vrk32s* src, Vrk16s* dst, int length, int scale);
+VRKS_API VrkStatus vrksConvert_32s24s_Sfs(const Vrk32s* src, Vrk8u* dst, int length, int scale);
+VRKS_API VrkStatus vrksConvert_32u24u_Sfs(const Vrk32u* src, Vrk8u* dst, int length, int scale);
+VRKS_API VrkStatus vrksConvert_16s8s_Sfs(const Vrk16s* src, Vrk8s* dst, uint32_t length, VrkRoundMode rounding,
+                                         int scale);
+VRKS_API VrkStatus vrksConvert_64s32s_Sfs(const Vrk64s* src, Vrk32s* dst, uint32_t length, VrkRoundMode rounding,
+                                          int scale);
+
+/* Half precision (IEEE 754 binary16). To half: 1 rounds to nearest (by the
+ * library's two-step rule for half-subnormal results, see the docs), other
+ * values truncate; 65520 and more give infinity to nearest and 65504 toward
+ * zero (an infinity stays infinite); NaN gives 0x7FFF with the source's
+ * sign. 16f16s: value times 2^-scale, to nearest even or truncated, NaN gives
+ * 0, infinities saturate by sign. */
+VRKS_API VrkStatus vrksConvert_32f16f(const Vrk32f* src, Vrk16f* dst, int length, VrkRoundMode rounding);
+VRKS_API VrkStatus vrksConvert_16s16f(const Vrk16s* src, Vrk16f* dst, int length, VrkRoundMode rounding);
+VRKS_API VrkStatus vrksConvert_16f16s_Sfs(const Vrk16f* src, Vrk16s* dst, int length, VrkRoundMode rounding, int scale);
+
+/* Channels: dst[i * channels + c] comes from srcs[c][i] (split: the other way
+ * round). Checks: the interleaved array, then channels and length (below 1:
+ * vrkStatusSizeError), then the pointer array and each of its entries.
+ * Join: each sample as vrksConvert_32f16s_Sfs to nearest, scale 0.
+ * JoinScaled: [-1, 1] onto the whole integer range (1.0 to the maximum, -1.0
+ * to the minimum): clamped, times 32767.5 (in float) or 8388607.5 (in
+ * double), minus 0.5, to nearest even; NaN gives 32767 (16s) or -8388608
+ * (24s). SplitScaled is its inverse: 16s as float * (2/65535) + 1/65535 in
+ * float; 24s as double * 1.19209296656209e-07 + 5.96046483281045e-08,
+ * narrowed to float. Split then join gives back every sample. */
+VRKS_API VrkStatus vrksJoin_32f16s_D2L(const Vrk32f* const* srcs, int channels, int length, Vrk16s* dst);
+VRKS_API VrkStatus vrksJoinScaled_32f16s_D2L(const Vrk32f* const* srcs, int channels, int length, Vrk16s* dst);
+VRKS_API VrkStatus vrksJoinScaled_32f24s_D2L(const Vrk32f* const* srcs, int channels, int length, Vrk8u* dst);
+VRKS_API VrkStatus vrksSplitScaled_16s32f_D2L(const Vrk16s* src, Vrk32f* const* dsts, int channels, int length);
+VRKS_API VrkStatus vrksSplitScaled_24s32f_D2L(const Vrk8u* src, Vrk32f* const* dsts, int channels, int length);
+
+/* dst = (src - subtrahend) * (1 / divisor), the reciprocal computed once in
+ * the floating type; complex forms scale both parts by the real reciprocal.
+ * A divisor of magnitude below the least normal value of its type gives
+ * vrkStatusDivideByZero (after the pointer and length checks). The _Sfs forms
+ * take the difference in 32-bit integers, multiply it as float by the float
+ * reciprocal of divisor and then by 2^-scale (the low seven bits of |scale|
+ * count), and round to nearest even with saturation; divisor 0 is refused. */
+VRKS_API VrkStatus vrksNormalize_32f(const Vrk32f* src, Vrk32f* dst, int length, Vrk32f subtrahend, Vrk32f divisor);
+VRKS_API VrkStatus vrksNormalize_64f(const Vrk64f* src, Vrk64f* dst, int length, Vrk64f subtrahend, Vrk64f divisor);
+VRKS_API VrkStatus vrksNormalize_32fc(const Vrk32fc* src, Vrk32fc* dst, int length, Vrk32fc subtrahend,
+                                      Vrk32f divisor);
+VRKS_API VrkStatus vrksNormalize_64fc(const Vrk64fc* src, Vrk64fc* dst, int length, Vrk64fc subtrahend,
+                                      Vrk64f divisor);
+VRKS_API VrkStatus vrksNormalize_16s_Sfs(const Vrk16s* src, Vrk16s* dst, int length, Vrk16s subtrahend, int divisor,
+                                         int scale);
+VRKS_API VrkStatus vrksNormalize_16sc_Sfs(const Vrk16sc* src, Vrk16sc* dst, int length, Vrk16sc subtrahend,
+                                          int divisor, int scale);
+
+/* Packs the low bitCounts[i] bits of each src[i], most significant bit first,
+ * into dst from bit (dstBitOffset & 7) of dst[0] (bit 0 is the most
+ * significant bit of a byte; a larger offset doesn't advance dst). Bits of
+ * the first and the last byte outside the packed range keep their values.
+ * *dstBitCount receives the number of bits packed. A count below 0 or above
+ * 32 is taken as 0 or 32 and the call returns vrkStatusWarnBitCount. A
+ * negative dstBitOffset gives vrkStatusSizeError. */
+VRKS_API VrkStatus vrksPackBits_32u8u(const Vrk32u* src, const Vrk32s* bitCounts, int length, Vrk8u* dst,
+                                      int dstBitOffset, int* dstBitCount);
+
+/* Real and imaginary parts. Conj negates the imaginary part: floating parts
+ * have their sign bit flipped; 16-bit parts saturate (-(-32768) is 32767).
+ * RealToCplx accepts one null source, whose part becomes 0 (checks: dst,
+ * length, then both sources null). */
+VRKS_API VrkStatus vrksReal_16sc(const Vrk16sc* src, Vrk16s* dst, int length);
+VRKS_API VrkStatus vrksReal_32fc(const Vrk32fc* src, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksReal_64fc(const Vrk64fc* src, Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksImag_16sc(const Vrk16sc* src, Vrk16s* dst, int length);
+VRKS_API VrkStatus vrksImag_32fc(const Vrk32fc* src, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksImag_64fc(const Vrk64fc* src, Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksConj_16sc(const Vrk16sc* src, Vrk16sc* dst, int length);
+VRKS_API VrkStatus vrksConj_32fc(const Vrk32fc* src, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksConj_64fc(const Vrk64fc* src, Vrk64fc* dst, int length);
+VRKS_API VrkStatus vrksConj_16sc_I(Vrk16sc* srcDst, int length);
+VRKS_API VrkStatus vrksConj_32fc_I(Vrk32fc* srcDst, int length);
+VRKS_API VrkStatus vrksConj_64fc_I(Vrk64fc* srcDst, int length);
+VRKS_API VrkStatus vrksRealToCplx_16s(const Vrk16s* srcRe, const Vrk16s* srcIm, Vrk16sc* dst, int length);
+VRKS_API VrkStatus vrksRealToCplx_32f(const Vrk32f* srcRe, const Vrk32f* srcIm, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksRealToCplx_64f(const Vrk64f* srcRe, const Vrk64f* srcIm, Vrk64fc* dst, int length);
+VRKS_API VrkStatus vrksCplxToReal_16sc(const Vrk16sc* src, Vrk16s* dstRe, Vrk16s* dstIm, int length);
+VRKS_API VrkStatus vrksCplxToReal_32fc(const Vrk32fc* src, Vrk32f* dstRe, Vrk32f* dstIm, int length);
+VRKS_API VrkStatus vrksCplxToReal_64fc(const Vrk64fc* src, Vrk64f* dstRe, Vrk64f* dstIm, int length);
+
 #ifdef __cplusplus
 }
 #endif

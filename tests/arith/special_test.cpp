@@ -47,8 +47,9 @@ TEST(Special, ThirtyTwoBitProductsByWayOfDoubles) {
       else if (s < -31) want = p > 0 ? INT32_MAX : p < 0 ? INT32_MIN : 0;
       else want = clamp_round(std::ldexp(double(p), -s));
       ASSERT_EQ(got[size_t(i)], want) << a[size_t(i)] << " * " << b[size_t(i)] << " scale " << s;
-      if (p < (i128(1) << 53) && p > -(i128(1) << 53))
+      if (p < (i128(1) << 53) && p > -(i128(1) << 53)) {
         ASSERT_EQ(want, int32_t(vt::reference_scale(p, s, INT32_MIN, INT32_MAX)));
+      }
     }
     io = acc;
     ASSERT_EQ(vrksAddProduct_32s_Sfs(a.data(), b.data(), io.data(), n, s), vrkStatusOk);
