@@ -5,6 +5,7 @@
 #include <immintrin.h>
 
 #include "arith/scaled.h"
+#include "frame/rounding.h"
 
 namespace vrks::arith {
 namespace {
@@ -78,51 +79,40 @@ inline double pow2_negative(int scale) {
   return std::bit_cast<double>(uint64_t(uint32_t(0x3FF00000 - (scale << 20))) << 32);
 }
 
-// x clamped to the 32-bit range and rounded to nearest, ties to even, whatever
-// the caller's rounding mode.
-inline Vrk32s round_clamped(double x) {
-  x = x < -2147483648.0 ? -2147483648.0 : x > 2147483647.0 ? 2147483647.0 : x;
-  return Vrk32s(__builtin_roundeven(x));
-}
-
-// srcDst-less form: d[i] = x[i] * y[i] * 2^-scale. The product goes through
-// 64-bit floating point, so a product beyond 2^53 is rounded to 53 bits first.
-VrkStatus mul_32s_by_float(const Vrk32s* x, const Vrk32s* y, Vrk32s* d, int n, int scale) {
-  VRKS_CHECK(check_vector(n, x, y, d));
-  const ScaleBands b{62, -31};
+// The 32-bit products that go through 64-bit floating point: on the scales
+// in the bands, `approx(i, m)` with m = 2^-scale is the double result, which
+// is rounded to nearest even (whatever the caller's rounding mode) and
+// saturated; far below them only the sign of `exact(i)` counts.
+template <class Exact, class Approx>
+void by_double(Vrk32s* d, int n, int scale, ScaleBands b, Exact&& exact, Approx&& approx) {
   switch (scale_road(scale, b)) {
     case ScaleRoad::Zero:
       zero(d, n);
       break;
     case ScaleRoad::SignOnly:
-      map(d, n, [&](int i) { return scale_on_road<ScaleRoad::SignOnly, Vrk32s>(int64_t(x[i]) * y[i], scale); });
+      map(d, n, [&](int i) { return scale_on_road<ScaleRoad::SignOnly, Vrk32s>(exact(i), scale); });
       break;
     default: {
       const double m = pow2_negative(scale);
-      map(d, n, [&](int i) { return round_clamped(double(x[i]) * m * double(y[i])); });
+      map(d, n, [&](int i) { return round_to<Vrk32s, Rounding::NearestEven>(approx(i, m)); });
     }
   }
+}
+
+// d[i] = x[i] * y[i] * 2^-scale: a product beyond 2^53 is rounded to 53 bits
+// before it is scaled and rounded again.
+VrkStatus mul_32s_by_float(const Vrk32s* x, const Vrk32s* y, Vrk32s* d, int n, int scale) {
+  VRKS_CHECK(check_vector(n, x, y, d));
+  by_double(d, n, scale, {62, -31}, [&](int i) { return int64_t(x[i]) * y[i]; },
+            [&](int i, double m) { return double(x[i]) * m * double(y[i]); });
   return vrkStatusOk;
 }
 
-// srcDst[i] = (x[i] * y[i] + srcDst[i]) * 2^-scale, through 64-bit floating point.
+// acc[i] = (x[i] * y[i] + acc[i]) * 2^-scale, through 64-bit floating point.
 VrkStatus add_product_32s_by_float(const Vrk32s* x, const Vrk32s* y, Vrk32s* acc, int n, int scale) {
   VRKS_CHECK(check_vector(n, x, y, acc));
-  const ScaleBands b{62, -30};
-  switch (scale_road(scale, b)) {
-    case ScaleRoad::Zero:
-      zero(acc, n);
-      break;
-    case ScaleRoad::SignOnly:
-      map(acc, n, [&](int i) {
-        return scale_on_road<ScaleRoad::SignOnly, Vrk32s>(int64_t(x[i]) * y[i] + acc[i], scale);
-      });
-      break;
-    default: {
-      const double m = pow2_negative(scale);
-      map(acc, n, [&](int i) { return round_clamped((double(x[i]) * double(y[i]) + double(acc[i])) * m); });
-    }
-  }
+  by_double(acc, n, scale, {62, -30}, [&](int i) { return int64_t(x[i]) * y[i] + acc[i]; },
+            [&](int i, double m) { return (double(x[i]) * double(y[i]) + double(acc[i])) * m; });
   return vrkStatusOk;
 }
 
