@@ -59,6 +59,20 @@ int main(void) {
     printf("\n");
   }
 
+  /* 16-bit PCM to float, a gain of 0.7 in float, and back to 16 bits with
+   * rounding to nearest even and saturation. */
+  {
+    const Vrk16s pcm16[5] = {100, -101, 32767, -32768, 5};
+    Vrk32f f[5];
+    Vrk16s back[5];
+    vrksConvert_16s32f(pcm16, f, 5);
+    vrksMulC_32f_I(0.7f, f, 5);
+    vrksConvert_32f16s_Sfs(f, back, 5, vrkRoundToNearestEven, 0);
+    printf("  PCM x 0.7 through float:      ");
+    for (i = 0; i < 5; ++i) printf(" %6d", back[i]);
+    printf("\n");
+  }
+
   /* Errors are statuses; nothing is written. */
   printf("  copy with a null source:       status %d\n", vrksCopy_32fc(NULL, rev, n));
   printf("  copy of length 0:              status %d\n", vrksCopy_32fc(iq, rev, 0));
