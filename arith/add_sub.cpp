@@ -24,7 +24,6 @@ template <Op O, class T>
 bool early_zero(int scale) {
   return std::is_same_v<T, Vrk16u> && scale > bands<O, T>().zero_above;
 }
-inline VrkStatus zero_16u(Vrk16u* d, int n) { return vrksZero_16s(reinterpret_cast<Vrk16s*>(d), n); }
 
 // x[i] (op) y[i] into d, scaled. Complex data tests the length first.
 template <Op O, class T, class D = T, class Y = T>

@@ -196,22 +196,6 @@ void map(const S* src, D* dst, size_t n, const Op& op) {
 
 // ---- scale multipliers -----------------------------------------------------------
 
-template <class F>
-inline constexpr int kMantissa = std::is_same_v<F, float> ? 23 : 52;
-template <class F>
-inline constexpr int kBias = std::is_same_v<F, float> ? 127 : 1023;
-
-// 2^-s built in the exponent field: the caller clamps s to the member's range;
-// a field of 0 (s equal to the bias) gives 0.
-template <class F>
-inline F pow2_field(int s) {
-  using U = std::conditional_t<std::is_same_v<F, float>, uint32_t, uint64_t>;
-  const U bits = U(kBias<F> - s) << kMantissa<F>;
-  F m;
-  std::memcpy(&m, &bits, sizeof m);
-  return m;
-}
-
 // 2^-scale as |scale| multiplications of 1 by 0.5 or by 2 in R with
 // subnormals kept: exact while representable in R, 0 below its least
 // subnormal, infinity beyond its largest finite value; given in F, which

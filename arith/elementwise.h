@@ -47,6 +47,10 @@ inline void zero(D* d, int n) {
   fill(d, uint8_t(0), size_t(n) * sizeof(D));
 }
 
+// The 16-bit unsigned forms' early clear: the checks and statuses of a clear
+// of the destination, ahead of every other check.
+inline VrkStatus zero_16u(Vrk16u* d, int n) { return vrksZero_16s(reinterpret_cast<Vrk16s*>(d), n); }
+
 // d[i] = f(i) for i in [0, n), rising.
 template <class D, class F>
 inline void map(D* d, int n, F&& f) {

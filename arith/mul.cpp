@@ -27,7 +27,6 @@ constexpr ScaleBands bands() {
 // The 16-bit unsigned forms take their all-zero road (and MulC its zero
 // constant) ahead of every other check, with the statuses of a clear.
 inline bool early_zero_16u(int scale) { return scale > 32; }
-inline VrkStatus zero_16u(Vrk16u* d, int n) { return vrksZero_16s(reinterpret_cast<Vrk16s*>(d), n); }
 
 template <class X, class Y, class D>
 VrkStatus arrays(const X* x, const Y* y, D* d, int n, int scale) {
@@ -74,11 +73,6 @@ VrkStatus float_constant(const T* x, T value, T* d, int n) {
 
 // ---- 32-bit products by way of 64-bit floating point ----------------------------
 
-// 2^-scale from the exponent field; scale within [-1022, 1023].
-inline double pow2_negative(int scale) {
-  return std::bit_cast<double>(uint64_t(uint32_t(0x3FF00000 - (scale << 20))) << 32);
-}
-
 // The 32-bit products that go through 64-bit floating point: on the scales
 // in the bands, `approx(i, m)` with m = 2^-scale is the double result, which
 // is rounded to nearest even (whatever the caller's rounding mode) and
@@ -93,7 +87,7 @@ void by_double(Vrk32s* d, int n, int scale, ScaleBands b, Exact&& exact, Approx&
       map(d, n, [&](int i) { return scale_on_road<ScaleRoad::SignOnly, Vrk32s>(exact(i), scale); });
       break;
     default: {
-      const double m = pow2_negative(scale);
+      const double m = pow2_field<double>(scale);
       map(d, n, [&](int i) { return round_to<Vrk32s, Rounding::NearestEven>(approx(i, m)); });
     }
   }
@@ -140,7 +134,7 @@ VrkStatus mul_low_32s(const Vrk32s* x, const Vrk32s* y, Vrk32s* d, int n, int sc
 VrkStatus mulc_32f16s(const Vrk32f* x, Vrk32f value, Vrk16s* d, int n, int scale) {
   VRKS_CHECK(check_vector(n, x, d));
   const int s = scale < -127 ? -127 : scale > 126 ? 126 : scale;
-  const Vrk32f v = s == 0 ? value : value * std::ldexp(1.0f, -s);
+  const Vrk32f v = s == 0 ? value : value * pow2_field<Vrk32f>(s);
   map(d, n, [&](int i) {
     const Vrk32f p = x[i] * v;
     if (!(p == p)) return Vrk16s(-32768);

@@ -7,6 +7,9 @@
 // the rule's result for the r that the family can produce.
 #pragma once
 
+#include <cstring>
+#include <type_traits>
+
 #include "frame/saturate.h"
 #include "frame/types.h"
 
@@ -54,6 +57,24 @@ constexpr D scale_exact(W r, int scale) {
   if (scale == 0) return saturate<D>(r);
   if (scale > 0) return saturate<D>(round_shift_safe(r, scale));
   return shift_left_saturate<D>(r, -scale);
+}
+
+// ---- multipliers for floating data ------------------------------------------
+
+template <class F>
+inline constexpr int kMantissa = std::is_same_v<F, float> ? 23 : 52;
+template <class F>
+inline constexpr int kBias = std::is_same_v<F, float> ? 127 : 1023;
+
+// 2^-s built in the exponent field: the caller clamps s to the member's range;
+// a field of 0 (s equal to the bias) gives 0.
+template <class F>
+inline F pow2_field(int s) {
+  using U = std::conditional_t<std::is_same_v<F, float>, uint32_t, uint64_t>;
+  const U bits = U(kBias<F> - s) << kMantissa<F>;
+  F m;
+  std::memcpy(&m, &bits, sizeof m);
+  return m;
 }
 
 // ---- roads ----------------------------------------------------------------
