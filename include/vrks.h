@@ -648,6 +648,172 @@ VRKS_API VrkStatus vrksCplxToReal_16sc(const Vrk16sc* src, Vrk16s* dstRe, Vrk16s
 VRKS_API VrkStatus vrksCplxToReal_32fc(const Vrk32fc* src, Vrk32f* dstRe, Vrk32f* dstIm, int length);
 VRKS_API VrkStatus vrksCplxToReal_64fc(const Vrk64fc* src, Vrk64f* dstRe, Vrk64f* dstIm, int length);
 
+/* ---- power-of-two FFT: state objects ----------------------------------- */
+/* N = 1 << order. GetSize reports the bytes of the state object, of the
+ * temporary buffer that Init reads, and of the work buffer of a transform,
+ * margins included. Init builds the object anywhere in `stateMemory` (it
+ * aligns itself up to 32 bytes) and hands back its address; InitAlloc takes
+ * the memory itself. `flag` is one vrkFFTScale* value. An object is only read
+ * by transforms, so it may serve concurrent calls that bring separate work
+ * buffers (or pass NULL and let each call allocate its own). */
+VRKS_API VrkStatus vrksFFTGetSize_C_16sc(int order, int flag, int hint, int* stateSize, int* initSize, int* bufferSize);
+VRKS_API VrkStatus vrksFFTInit_C_16sc(VrksFFTState_C_16sc** stateOut, int order, int flag, int hint, Vrk8u* stateMemory, Vrk8u* initBuffer);
+VRKS_API VrkStatus vrksFFTInitAlloc_C_16sc(VrksFFTState_C_16sc** stateOut, int order, int flag, int hint);
+VRKS_API VrkStatus vrksFFTFree_C_16sc(VrksFFTState_C_16sc* state);
+VRKS_API VrkStatus vrksFFTGetBufSize_C_16sc(const VrksFFTState_C_16sc* state, int* size);
+VRKS_API VrkStatus vrksFFTGetSize_C_16s(int order, int flag, int hint, int* stateSize, int* initSize, int* bufferSize);
+VRKS_API VrkStatus vrksFFTInit_C_16s(VrksFFTState_C_16s** stateOut, int order, int flag, int hint, Vrk8u* stateMemory, Vrk8u* initBuffer);
+VRKS_API VrkStatus vrksFFTInitAlloc_C_16s(VrksFFTState_C_16s** stateOut, int order, int flag, int hint);
+VRKS_API VrkStatus vrksFFTFree_C_16s(VrksFFTState_C_16s* state);
+VRKS_API VrkStatus vrksFFTGetBufSize_C_16s(const VrksFFTState_C_16s* state, int* size);
+VRKS_API VrkStatus vrksFFTGetSize_R_16s(int order, int flag, int hint, int* stateSize, int* initSize, int* bufferSize);
+VRKS_API VrkStatus vrksFFTInit_R_16s(VrksFFTState_R_16s** stateOut, int order, int flag, int hint, Vrk8u* stateMemory, Vrk8u* initBuffer);
+VRKS_API VrkStatus vrksFFTInitAlloc_R_16s(VrksFFTState_R_16s** stateOut, int order, int flag, int hint);
+VRKS_API VrkStatus vrksFFTFree_R_16s(VrksFFTState_R_16s* state);
+VRKS_API VrkStatus vrksFFTGetBufSize_R_16s(const VrksFFTState_R_16s* state, int* size);
+VRKS_API VrkStatus vrksFFTGetSize_C_32fc(int order, int flag, int hint, int* stateSize, int* initSize, int* bufferSize);
+VRKS_API VrkStatus vrksFFTInit_C_32fc(VrksFFTState_C_32fc** stateOut, int order, int flag, int hint, Vrk8u* stateMemory, Vrk8u* initBuffer);
+VRKS_API VrkStatus vrksFFTInitAlloc_C_32fc(VrksFFTState_C_32fc** stateOut, int order, int flag, int hint);
+VRKS_API VrkStatus vrksFFTFree_C_32fc(VrksFFTState_C_32fc* state);
+VRKS_API VrkStatus vrksFFTGetBufSize_C_32fc(const VrksFFTState_C_32fc* state, int* size);
+VRKS_API VrkStatus vrksFFTGetSize_C_32f(int order, int flag, int hint, int* stateSize, int* initSize, int* bufferSize);
+VRKS_API VrkStatus vrksFFTInit_C_32f(VrksFFTState_C_32f** stateOut, int order, int flag, int hint, Vrk8u* stateMemory, Vrk8u* initBuffer);
+VRKS_API VrkStatus vrksFFTInitAlloc_C_32f(VrksFFTState_C_32f** stateOut, int order, int flag, int hint);
+VRKS_API VrkStatus vrksFFTFree_C_32f(VrksFFTState_C_32f* state);
+VRKS_API VrkStatus vrksFFTGetBufSize_C_32f(const VrksFFTState_C_32f* state, int* size);
+VRKS_API VrkStatus vrksFFTGetSize_R_32f(int order, int flag, int hint, int* stateSize, int* initSize, int* bufferSize);
+VRKS_API VrkStatus vrksFFTInit_R_32f(VrksFFTState_R_32f** stateOut, int order, int flag, int hint, Vrk8u* stateMemory, Vrk8u* initBuffer);
+VRKS_API VrkStatus vrksFFTInitAlloc_R_32f(VrksFFTState_R_32f** stateOut, int order, int flag, int hint);
+VRKS_API VrkStatus vrksFFTFree_R_32f(VrksFFTState_R_32f* state);
+VRKS_API VrkStatus vrksFFTGetBufSize_R_32f(const VrksFFTState_R_32f* state, int* size);
+VRKS_API VrkStatus vrksFFTGetSize_C_64fc(int order, int flag, int hint, int* stateSize, int* initSize, int* bufferSize);
+VRKS_API VrkStatus vrksFFTInit_C_64fc(VrksFFTState_C_64fc** stateOut, int order, int flag, int hint, Vrk8u* stateMemory, Vrk8u* initBuffer);
+VRKS_API VrkStatus vrksFFTInitAlloc_C_64fc(VrksFFTState_C_64fc** stateOut, int order, int flag, int hint);
+VRKS_API VrkStatus vrksFFTFree_C_64fc(VrksFFTState_C_64fc* state);
+VRKS_API VrkStatus vrksFFTGetBufSize_C_64fc(const VrksFFTState_C_64fc* state, int* size);
+VRKS_API VrkStatus vrksFFTGetSize_C_64f(int order, int flag, int hint, int* stateSize, int* initSize, int* bufferSize);
+VRKS_API VrkStatus vrksFFTInit_C_64f(VrksFFTState_C_64f** stateOut, int order, int flag, int hint, Vrk8u* stateMemory, Vrk8u* initBuffer);
+VRKS_API VrkStatus vrksFFTInitAlloc_C_64f(VrksFFTState_C_64f** stateOut, int order, int flag, int hint);
+VRKS_API VrkStatus vrksFFTFree_C_64f(VrksFFTState_C_64f* state);
+VRKS_API VrkStatus vrksFFTGetBufSize_C_64f(const VrksFFTState_C_64f* state, int* size);
+VRKS_API VrkStatus vrksFFTGetSize_R_64f(int order, int flag, int hint, int* stateSize, int* initSize, int* bufferSize);
+VRKS_API VrkStatus vrksFFTInit_R_64f(VrksFFTState_R_64f** stateOut, int order, int flag, int hint, Vrk8u* stateMemory, Vrk8u* initBuffer);
+VRKS_API VrkStatus vrksFFTInitAlloc_R_64f(VrksFFTState_R_64f** stateOut, int order, int flag, int hint);
+VRKS_API VrkStatus vrksFFTFree_R_64f(VrksFFTState_R_64f* state);
+VRKS_API VrkStatus vrksFFTGetBufSize_R_64f(const VrksFFTState_R_64f* state, int* size);
+VRKS_API VrkStatus vrksFFTGetSize_C_32sc(int order, int flag, int hint, int* stateSize, int* initSize, int* bufferSize);
+VRKS_API VrkStatus vrksFFTInit_C_32sc(VrksFFTState_C_32sc** stateOut, int order, int flag, int hint, Vrk8u* stateMemory, Vrk8u* initBuffer);
+VRKS_API VrkStatus vrksFFTInitAlloc_C_32sc(VrksFFTState_C_32sc** stateOut, int order, int flag, int hint);
+VRKS_API VrkStatus vrksFFTFree_C_32sc(VrksFFTState_C_32sc* state);
+VRKS_API VrkStatus vrksFFTGetBufSize_C_32sc(const VrksFFTState_C_32sc* state, int* size);
+VRKS_API VrkStatus vrksFFTGetSize_C_32s(int order, int flag, int hint, int* stateSize, int* initSize, int* bufferSize);
+VRKS_API VrkStatus vrksFFTInit_C_32s(VrksFFTState_C_32s** stateOut, int order, int flag, int hint, Vrk8u* stateMemory, Vrk8u* initBuffer);
+VRKS_API VrkStatus vrksFFTInitAlloc_C_32s(VrksFFTState_C_32s** stateOut, int order, int flag, int hint);
+VRKS_API VrkStatus vrksFFTFree_C_32s(VrksFFTState_C_32s* state);
+VRKS_API VrkStatus vrksFFTGetBufSize_C_32s(const VrksFFTState_C_32s* state, int* size);
+VRKS_API VrkStatus vrksFFTGetSize_R_32s(int order, int flag, int hint, int* stateSize, int* initSize, int* bufferSize);
+VRKS_API VrkStatus vrksFFTInit_R_32s(VrksFFTState_R_32s** stateOut, int order, int flag, int hint, Vrk8u* stateMemory, Vrk8u* initBuffer);
+VRKS_API VrkStatus vrksFFTInitAlloc_R_32s(VrksFFTState_R_32s** stateOut, int order, int flag, int hint);
+VRKS_API VrkStatus vrksFFTFree_R_32s(VrksFFTState_R_32s* state);
+VRKS_API VrkStatus vrksFFTGetBufSize_R_32s(const VrksFFTState_R_32s* state, int* size);
+VRKS_API VrkStatus vrksFFTGetSize_R_16s32s(int order, int flag, int hint, int* stateSize, int* initSize, int* bufferSize);
+VRKS_API VrkStatus vrksFFTInit_R_16s32s(VrksFFTState_R_16s32s** stateOut, int order, int flag, int hint, Vrk8u* stateMemory, Vrk8u* initBuffer);
+VRKS_API VrkStatus vrksFFTInitAlloc_R_16s32s(VrksFFTState_R_16s32s** stateOut, int order, int flag, int hint);
+VRKS_API VrkStatus vrksFFTFree_R_16s32s(VrksFFTState_R_16s32s* state);
+VRKS_API VrkStatus vrksFFTGetBufSize_R_16s32s(const VrksFFTState_R_16s32s* state, int* size);
+
+/* ---- power-of-two FFT: complex transforms ------------------------------ */
+/* Forward X[k] = f sum x[n] e^(-2 pi i nk/N), inverse with +; f by the flag.
+ * `buffer` holds GetBufSize bytes at any address, or is NULL (the call then
+ * allocates and releases its own). */
+VRKS_API VrkStatus vrksFFTFwd_CToC_32fc(const Vrk32fc* src, Vrk32fc* dst, const VrksFFTState_C_32fc* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_CToC_32fc_I(Vrk32fc* srcDst, const VrksFFTState_C_32fc* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_CToC_64fc(const Vrk64fc* src, Vrk64fc* dst, const VrksFFTState_C_64fc* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_CToC_64fc_I(Vrk64fc* srcDst, const VrksFFTState_C_64fc* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_CToC_32f(const Vrk32f* srcRe, const Vrk32f* srcIm, Vrk32f* dstRe, Vrk32f* dstIm, const VrksFFTState_C_32f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_CToC_32f_I(Vrk32f* srcDstRe, Vrk32f* srcDstIm, const VrksFFTState_C_32f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_CToC_64f(const Vrk64f* srcRe, const Vrk64f* srcIm, Vrk64f* dstRe, Vrk64f* dstIm, const VrksFFTState_C_64f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_CToC_64f_I(Vrk64f* srcDstRe, Vrk64f* srcDstIm, const VrksFFTState_C_64f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_CToC_32fc(const Vrk32fc* src, Vrk32fc* dst, const VrksFFTState_C_32fc* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_CToC_32fc_I(Vrk32fc* srcDst, const VrksFFTState_C_32fc* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_CToC_64fc(const Vrk64fc* src, Vrk64fc* dst, const VrksFFTState_C_64fc* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_CToC_64fc_I(Vrk64fc* srcDst, const VrksFFTState_C_64fc* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_CToC_32f(const Vrk32f* srcRe, const Vrk32f* srcIm, Vrk32f* dstRe, Vrk32f* dstIm, const VrksFFTState_C_32f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_CToC_32f_I(Vrk32f* srcDstRe, Vrk32f* srcDstIm, const VrksFFTState_C_32f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_CToC_64f(const Vrk64f* srcRe, const Vrk64f* srcIm, Vrk64f* dstRe, Vrk64f* dstIm, const VrksFFTState_C_64f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_CToC_64f_I(Vrk64f* srcDstRe, Vrk64f* srcDstIm, const VrksFFTState_C_64f* state, Vrk8u* buffer);
+
+/* ---- power-of-two FFT: real transforms and packed spectra -------------- */
+/* A real spectrum of L points keeps X[0..L/2]; three packed layouts:
+ *   Pack  R0 R1 I1 ... R(L/2)          (L reals)
+ *   Perm  R0 R(L/2) R1 I1 ...          (L reals)
+ *   CCS   R0 0 R1 I1 ... R(L/2) 0      (L + 2 reals)
+ * For odd L, Pack and Perm are R0 R1 I1 ... RH IH and CCS R0 0 R1 I1 ... RH IH. */
+VRKS_API VrkStatus vrksFFTFwd_RToPack_32f(const Vrk32f* src, Vrk32f* dst, const VrksFFTState_R_32f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_RToPack_32f_I(Vrk32f* srcDst, const VrksFFTState_R_32f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_RToPack_64f(const Vrk64f* src, Vrk64f* dst, const VrksFFTState_R_64f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_RToPack_64f_I(Vrk64f* srcDst, const VrksFFTState_R_64f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_RToPerm_32f(const Vrk32f* src, Vrk32f* dst, const VrksFFTState_R_32f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_RToPerm_32f_I(Vrk32f* srcDst, const VrksFFTState_R_32f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_RToPerm_64f(const Vrk64f* src, Vrk64f* dst, const VrksFFTState_R_64f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_RToPerm_64f_I(Vrk64f* srcDst, const VrksFFTState_R_64f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_RToCCS_32f(const Vrk32f* src, Vrk32f* dst, const VrksFFTState_R_32f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_RToCCS_32f_I(Vrk32f* srcDst, const VrksFFTState_R_32f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_RToCCS_64f(const Vrk64f* src, Vrk64f* dst, const VrksFFTState_R_64f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTFwd_RToCCS_64f_I(Vrk64f* srcDst, const VrksFFTState_R_64f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_PackToR_32f(const Vrk32f* src, Vrk32f* dst, const VrksFFTState_R_32f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_PackToR_32f_I(Vrk32f* srcDst, const VrksFFTState_R_32f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_PackToR_64f(const Vrk64f* src, Vrk64f* dst, const VrksFFTState_R_64f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_PackToR_64f_I(Vrk64f* srcDst, const VrksFFTState_R_64f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_PermToR_32f(const Vrk32f* src, Vrk32f* dst, const VrksFFTState_R_32f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_PermToR_32f_I(Vrk32f* srcDst, const VrksFFTState_R_32f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_PermToR_64f(const Vrk64f* src, Vrk64f* dst, const VrksFFTState_R_64f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_PermToR_64f_I(Vrk64f* srcDst, const VrksFFTState_R_64f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_CCSToR_32f(const Vrk32f* src, Vrk32f* dst, const VrksFFTState_R_32f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_CCSToR_32f_I(Vrk32f* srcDst, const VrksFFTState_R_32f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_CCSToR_64f(const Vrk64f* src, Vrk64f* dst, const VrksFFTState_R_64f* state, Vrk8u* buffer);
+VRKS_API VrkStatus vrksFFTInv_CCSToR_64f_I(Vrk64f* srcDst, const VrksFFTState_R_64f* state, Vrk8u* buffer);
+/* Full spectrum of `length` complex values from a packed one. */
+VRKS_API VrkStatus vrksConjPack_16sc(const Vrk16s* src, Vrk16sc* dst, int length);
+VRKS_API VrkStatus vrksConjPack_16sc_I(Vrk16sc* srcDst, int length);
+VRKS_API VrkStatus vrksConjPack_32fc(const Vrk32f* src, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksConjPack_32fc_I(Vrk32fc* srcDst, int length);
+VRKS_API VrkStatus vrksConjPack_64fc(const Vrk64f* src, Vrk64fc* dst, int length);
+VRKS_API VrkStatus vrksConjPack_64fc_I(Vrk64fc* srcDst, int length);
+VRKS_API VrkStatus vrksConjPerm_16sc(const Vrk16s* src, Vrk16sc* dst, int length);
+VRKS_API VrkStatus vrksConjPerm_16sc_I(Vrk16sc* srcDst, int length);
+VRKS_API VrkStatus vrksConjPerm_32fc(const Vrk32f* src, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksConjPerm_32fc_I(Vrk32fc* srcDst, int length);
+VRKS_API VrkStatus vrksConjPerm_64fc(const Vrk64f* src, Vrk64fc* dst, int length);
+VRKS_API VrkStatus vrksConjPerm_64fc_I(Vrk64fc* srcDst, int length);
+VRKS_API VrkStatus vrksConjCcs_16sc(const Vrk16s* src, Vrk16sc* dst, int length);
+VRKS_API VrkStatus vrksConjCcs_16sc_I(Vrk16sc* srcDst, int length);
+VRKS_API VrkStatus vrksConjCcs_32fc(const Vrk32f* src, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksConjCcs_32fc_I(Vrk32fc* srcDst, int length);
+VRKS_API VrkStatus vrksConjCcs_64fc(const Vrk64f* src, Vrk64fc* dst, int length);
+VRKS_API VrkStatus vrksConjCcs_64fc_I(Vrk64fc* srcDst, int length);
+/* dst[j] = conj(src[length - 1 - j]). */
+VRKS_API VrkStatus vrksConjFlip_16sc(const Vrk16sc* src, Vrk16sc* dst, int length);
+VRKS_API VrkStatus vrksConjFlip_32fc(const Vrk32fc* src, Vrk32fc* dst, int length);
+VRKS_API VrkStatus vrksConjFlip_64fc(const Vrk64fc* src, Vrk64fc* dst, int length);
+/* Products of two packed spectra; the 16-bit forms shift right without
+ * rounding (toward minus infinity) and saturate. */
+VRKS_API VrkStatus vrksMulPack_32f(const Vrk32f* src1, const Vrk32f* src2, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksMulPack_32f_I(const Vrk32f* src, Vrk32f* srcDst, int length);
+VRKS_API VrkStatus vrksMulPack_64f(const Vrk64f* src1, const Vrk64f* src2, Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksMulPack_64f_I(const Vrk64f* src, Vrk64f* srcDst, int length);
+VRKS_API VrkStatus vrksMulPack_16s_Sfs(const Vrk16s* src1, const Vrk16s* src2, Vrk16s* dst, int length, int scale);
+VRKS_API VrkStatus vrksMulPack_16s_ISfs(const Vrk16s* src, Vrk16s* srcDst, int length, int scale);
+VRKS_API VrkStatus vrksMulPerm_32f(const Vrk32f* src1, const Vrk32f* src2, Vrk32f* dst, int length);
+VRKS_API VrkStatus vrksMulPerm_32f_I(const Vrk32f* src, Vrk32f* srcDst, int length);
+VRKS_API VrkStatus vrksMulPerm_64f(const Vrk64f* src1, const Vrk64f* src2, Vrk64f* dst, int length);
+VRKS_API VrkStatus vrksMulPerm_64f_I(const Vrk64f* src, Vrk64f* srcDst, int length);
+VRKS_API VrkStatus vrksMulPerm_16s_Sfs(const Vrk16s* src1, const Vrk16s* src2, Vrk16s* dst, int length, int scale);
+VRKS_API VrkStatus vrksMulPerm_16s_ISfs(const Vrk16s* src, Vrk16s* srcDst, int length, int scale);
+/* srcDst = src times conj(srcDst), both in Pack layout. */
+VRKS_API VrkStatus vrksMulPackConj_32f_I(const Vrk32f* src, Vrk32f* srcDst, int length);
+VRKS_API VrkStatus vrksMulPackConj_64f_I(const Vrk64f* src, Vrk64f* srcDst, int length);
+
 #ifdef __cplusplus
 }
 #endif
