@@ -1,0 +1,75 @@
+// Complex transforms on a floating state: the straight kernels up to 32
+// points, the engine beyond. Shared by the complex and the real exports.
+#pragma once
+
+#include "frame/state.h"
+#include "transforms/fft_engine.h"
+#include "transforms/fft_small.h"
+
+namespace vrks::fft {
+
+template <class T>
+struct Pair {
+  T re, im;
+};
+
+// Interleaved transform of order n with the tables of `st` (whose complex
+// plan is of order n). `work` holds the work-buffer bytes of that order.
+template <class T, bool Inv>
+void complex_interleaved(const FloatState<T>* st, int n, const T* src, T* dst, T* work, bool scaled,
+                         T factor) {
+  const int N = 1 << n;
+  if (n <= Limits<T>::straight) {
+    SmallIO<T> io;
+    io.load_interleaved(src, N, Inv);
+    small_dft(io.re, io.im, n);
+    io.store_interleaved(dst, N, Inv, scaled, factor);
+    return;
+  }
+  const Plan& p = st->plan;
+  const InterleavedDst<T, Inv> out{dst, scaled, Simd<T>::set1(factor)};
+  if (!p.reverse_first) {
+    const Blocked<T> area{src != dst ? dst : work};
+    gather_pass<T>(InterleavedSrc<T, Inv>{src}, area, n, st->bitRevTable);
+    later_stages<T>(p, n, area, out, st->twiddleTable, [](size_t, size_t) {});
+  } else {
+    using E = Pair<T>;
+    reverse_tiles<E>(reinterpret_cast<const E*>(src), reinterpret_cast<E*>(dst), n,
+                     Limits<T>::tile_bits, reinterpret_cast<E*>(work));
+    const Blocked<T> area{dst};
+    const InterleavedSrc<T, Inv> in{dst};
+    later_stages<T>(p, n, area, out, st->twiddleTable,
+                    [&](size_t first, size_t count) { natural_pass<T>(in, area, first, count); });
+  }
+}
+
+// Split transform; the inverse exchanges the two arrays on both sides.
+template <class T, bool Inv>
+void complex_split(const FloatState<T>* st, int n, const T* sre, const T* sim, T* dre, T* dim,
+                   T* work, bool scaled, T factor) {
+  if (Inv) std::swap(sre, sim), std::swap(dre, dim);
+  const int N = 1 << n;
+  if (n <= Limits<T>::straight) {
+    SmallIO<T> io;
+    io.load_split(sre, sim, N);
+    small_dft(io.re, io.im, n);
+    io.store_split(dre, dim, N, scaled, factor);
+    return;
+  }
+  const Plan& p = st->plan;
+  const SplitDst<T, false> out{dre, dim, scaled, Simd<T>::set1(factor)};
+  if (!p.reverse_first) {
+    const Blocked<T> area{work};
+    gather_pass<T>(SplitSrc<T, false>{sre, sim}, area, n, st->bitRevTable);
+    later_stages<T>(p, n, area, out, st->twiddleTable, [](size_t, size_t) {});
+  } else {
+    reverse_tiles<T>(sre, dre, n, Limits<T>::tile_bits, work);
+    reverse_tiles<T>(sim, dim, n, Limits<T>::tile_bits, work);
+    const SplitIO<T> area{dre, dim};
+    const SplitSrc<T, false> in{dre, dim};
+    later_stages<T>(p, n, area, out, st->twiddleTable,
+                    [&](size_t first, size_t count) { natural_pass<T>(in, area, first, count); });
+  }
+}
+
+}  // namespace vrks::fft
