@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Ratio tables for vrks_bench_memory and vrks_bench_convert.
+"""Ratio tables for vrks_bench_memory, vrks_bench_convert and vrks_bench_fft.
 
 Reads the JSON that Google Benchmark writes (--benchmark_format=json or
 --benchmark_out=FILE) from FILE or standard input. With repetitions, the
@@ -20,6 +20,16 @@ Conversion (cases <pair>/<vrks|loop|copy>/<elements>, recognised by the
     GB/s       vrks traffic, bytes read plus bytes written, per second
     of copy    copy time / vrks time for the same traffic (1.00: vrks runs
                at the speed of a copy; 0.90: within 10% of it)
+
+FFT (cases <kind>/<vrks|measure|estimate>/<order>, recognised by the FFTW
+cases): one row per kind (c32, c64, r32, r64) and order, with the mflops of
+vrks, of the FFTW_MEASURE plan and of the FFTW_ESTIMATE plan, then
+
+    vrks mflops / FFTW mflops   (above 1.0: vrks is faster)
+
+for each of the two plans. mflops is 5 N log2 N (complex) or 2.5 N log2 N
+(real) per transform over the time in microseconds, taken from the chosen
+clock.
 """
 import argparse
 import json
@@ -27,6 +37,8 @@ import statistics
 import sys
 
 TO_NS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
+FFT_KINDS = ("c32", "c64", "r32", "r64")
+FFT_PEERS = ("measure", "estimate")
 
 
 ELEMENTS = False
@@ -45,7 +57,7 @@ def size_label(n):
 
 
 def load(stream, clock):
-    """{(op, impl, bytes): (time in ns, bytes per second)}, plus the op order."""
+    """{(op, impl, bytes): (time in ns, bytes per second, mflops)}, plus the op order."""
     runs, medians, order = {}, {}, []
     for b in json.load(stream)["benchmarks"]:
         kind = b.get("run_type", "iteration")
@@ -60,13 +72,14 @@ def load(stream, clock):
         if op not in order:
             order.append(op)
         t = b[clock + "_time"] * TO_NS[b.get("time_unit", "ns")]
-        sample = (t, b.get("bytes_per_second", 0.0))
+        # The benchmark's rate counters run on CPU time; rescaled to the clock.
+        mflops = b.get("mflops", 0.0) * b["cpu_time"] / b[clock + "_time"] if b[clock + "_time"] else 0.0
+        sample = (t, b.get("bytes_per_second", 0.0), mflops)
         (runs if kind == "iteration" else medians).setdefault((op, impl, size), []).append(sample)
     # Aggregates stand in only where the repeated runs themselves were not reported.
     for k, v in medians.items():
         runs.setdefault(k, v)
-    return {k: (statistics.median(t for t, _ in v), statistics.median(r for _, r in v))
-            for k, v in runs.items()}, order
+    return {k: tuple(statistics.median(column) for column in zip(*v)) for k, v in runs.items()}, order
 
 
 def convert_table(runs):
@@ -94,6 +107,23 @@ def convert_table(runs):
         print(line)
 
 
+def fft_table(runs):
+    """The FFT table: kinds and orders by rows, vrks and the two FFTW plans by columns."""
+    print(f"{'kind':<4} {'order':>5}  {'vrks':>9} {'MEASURE':>9} {'ESTIMATE':>9}"
+          f"  {'vrks/MEASURE':>12} {'vrks/ESTIMATE':>13}")
+    print(f"{'':<4} {'':>5}  {'mflops':>9} {'mflops':>9} {'mflops':>9}")
+    for kind in FFT_KINDS:
+        for order in sorted({s for (k, _, s) in runs if k == kind}):
+            mine = runs.get((kind, "vrks", order))
+            peers = [runs.get((kind, p, order)) for p in FFT_PEERS]
+            line = f"{kind:<4} {order:>5}  "
+            line += " ".join(f"{v[2]:9.0f}" if v else f"{'-':>9}" for v in [mine] + peers) + " "
+            for peer, width in zip(peers, (12, 13)):
+                ok = mine and peer and peer[2] > 0
+                line += f" {mine[2] / peer[2]:{width}.2f}" if ok else f" {'-':>{width}}"
+            print(line)
+
+
 def main():
     ap = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     ap.add_argument("file", nargs="?", default="-", help="benchmark JSON (default: stdin)")
@@ -111,9 +141,11 @@ def main():
             runs, ops = load(f, args.clock)
     if any(impl == "copy" for (_, impl, _) in runs):
         return convert_table(runs)
+    if any(impl in FFT_PEERS for (_, impl, _) in runs):
+        return fft_table(runs)
 
     cells = {}  # (op, bytes) -> text
-    for (op, impl, size), (t, rate) in runs.items():
+    for (op, impl, size), (t, rate, _) in runs.items():
         if impl != "vrks":
             continue
         peers = [v for (o, i, s), v in runs.items() if o == op and s == size and i != "vrks"]

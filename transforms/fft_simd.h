@@ -38,6 +38,14 @@ struct Simd<float> {
     store(p, _mm256_permute2f128_ps(lo, hi, 0x20));
     store(p + 8, _mm256_permute2f128_ps(lo, hi, 0x31));
   }
+  // The inverse of load_c: lanes in kPerm order back to interleaved pairs.
+  static void store_perm(float* p, V re, V im) {
+    store(p, _mm256_unpacklo_ps(re, im));
+    store(p + 8, _mm256_unpackhi_ps(re, im));
+  }
+  // Lane l takes lane kPerm[l]; lanes in reverse order.
+  static V permute(V v) { return _mm256_permutevar8x32_ps(v, _mm256_setr_epi32(0, 1, 4, 5, 2, 3, 6, 7)); }
+  static V reverse(V v) { return _mm256_permutevar8x32_ps(v, _mm256_setr_epi32(7, 6, 5, 4, 3, 2, 1, 0)); }
   // Transposes W x W values held in W registers.
   static void transpose(V* r) {
     V t0 = _mm256_unpacklo_ps(r[0], r[1]), t1 = _mm256_unpackhi_ps(r[0], r[1]);
@@ -82,6 +90,12 @@ struct Simd<double> {
     store(p, _mm256_permute2f128_pd(lo, hi, 0x20));
     store(p + 4, _mm256_permute2f128_pd(lo, hi, 0x31));
   }
+  static void store_perm(double* p, V re, V im) {
+    store(p, _mm256_unpacklo_pd(re, im));
+    store(p + 4, _mm256_unpackhi_pd(re, im));
+  }
+  static V permute(V v) { return _mm256_permute4x64_pd(v, 0xD8); }
+  static V reverse(V v) { return _mm256_permute4x64_pd(v, 0x1B); }
   static void transpose(V* r) {
     V t0 = _mm256_unpacklo_pd(r[0], r[1]), t1 = _mm256_unpackhi_pd(r[0], r[1]);
     V t2 = _mm256_unpacklo_pd(r[2], r[3]), t3 = _mm256_unpackhi_pd(r[2], r[3]);

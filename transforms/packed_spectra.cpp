@@ -97,8 +97,8 @@ void flip_conj(const P* a, P* d, size_t n) {
 
 // ---- expansion ------------------------------------------------------------------
 
-// The part index of X[1] in a layout: Pack and odd-length Perm start the
-// pairs at 1, even-length Perm and CCS at 2.
+// The part index of X[1], where the complex pairs start: 1 in Pack and
+// odd-length Perm, 2 in even-length Perm and in CCS.
 template <Layout F>
 constexpr int first_pair(int length) {
   if constexpr (F == Layout::Pack) return 1;
@@ -207,12 +207,7 @@ void mul_pairs(const P* x, const P* y, P* d, size_t n) {
   arith::run_parts(d, n, 2, d != x && d != y, body, tail);
 }
 
-// The part index of the first pair and the index of the second real entry
-// (-1: none) of a layout for the products.
-template <Layout F>
-constexpr int product_pairs_from(int length) {
-  return F == Layout::Perm && length % 2 == 0 ? 2 : 1;
-}
+// The index of the second real entry of a layout (-1: none).
 template <Layout F>
 constexpr int second_real(int length) {
   if (length % 2 != 0) return -1;
@@ -222,7 +217,7 @@ constexpr int second_real(int length) {
 template <Layout F, bool Conj, class P>
 void mul_float(const P* a, const P* b, P* d, int length) {
   const int r1 = second_real<F>(length);
-  const int j = product_pairs_from<F>(length);
+  const int j = first_pair<F>(length);
   d[0] = a[0] * b[0];
   if (r1 >= 0) d[r1] = a[r1] * b[r1];
   mul_pairs<Conj>(a + j, b + j, d + j, size_t(length - 1) / 2);
@@ -245,20 +240,14 @@ struct LeftShift {
 template <Layout F, class Rule>
 void mul_16s(const Vrk16s* a, const Vrk16s* b, Vrk16s* d, int length, Rule rule) {
   const int r1 = second_real<F>(length);
-  const int j = product_pairs_from<F>(length);
+  const int j = first_pair<F>(length);
   d[0] = rule(int64_t(a[0]) * b[0]);
   if (r1 >= 0) d[r1] = rule(int64_t(a[r1]) * b[r1]);
-  const int n = (length - 1) / 2;
-  const Vrk16s* x = a + j;
-  const Vrk16s* y = b + j;
-  Vrk16s* o = d + j;
-  for (int k = 0; k < n; ++k) {
-    const int32_t c = x[2 * k], dd = x[2 * k + 1], e = y[2 * k], f = y[2 * k + 1];
+  for (int i = j; i + 1 < length; i += 2) {
+    const int32_t c = a[i], dd = a[i + 1], e = b[i], f = b[i + 1];
     // c e - d f lies within 32 bits; c f + d e reaches 2^31 at four -32768.
-    const int64_t re = int64_t(c * e - dd * f);
-    const int64_t im = int64_t(c * f) + int64_t(dd * e);
-    o[2 * k] = rule(re);
-    o[2 * k + 1] = rule(im);
+    d[i] = rule(int64_t(c * e - dd * f));
+    d[i + 1] = rule(int64_t(c * f) + int64_t(dd * e));
   }
 }
 
