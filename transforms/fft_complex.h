@@ -19,6 +19,8 @@ template <class T, bool Inv>
 void complex_interleaved(const FloatState<T>* st, int n, const T* src, T* dst, T* work, bool scaled,
                          T factor) {
   const int N = 1 << n;
+  if (n == 4) return small_interleaved<T, 16, Inv>(src, dst, scaled, factor);
+  if (n == 5) return small_interleaved<T, 32, Inv>(src, dst, scaled, factor);
   if (n <= Limits<T>::straight) {
     SmallIO<T> io;
     io.load_interleaved(src, N, Inv);
@@ -49,6 +51,8 @@ void complex_split(const FloatState<T>* st, int n, const T* sre, const T* sim, T
                    T* work, bool scaled, T factor) {
   if (Inv) std::swap(sre, sim), std::swap(dre, dim);
   const int N = 1 << n;
+  if (n == 4) return small_split<T, 16>(sre, sim, dre, dim, scaled, factor);
+  if (n == 5) return small_split<T, 32>(sre, sim, dre, dim, scaled, factor);
   if (n <= Limits<T>::straight) {
     SmallIO<T> io;
     io.load_split(sre, sim, N);

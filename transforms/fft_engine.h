@@ -275,7 +275,7 @@ struct Sine {
   const T* s;
   size_t quarter;  // Q = L/4 of the table's own length
   // angle 2 pi m / (4 Q), m in [0, 4Q)
-  void at(size_t m, T& c, T& sn) const {
+  constexpr void at(size_t m, T& c, T& sn) const {
     const size_t q = m / quarter, r = m % quarter;
     const T a = s[r], b = s[quarter - r];
     switch (q & 3) {

@@ -19,7 +19,7 @@ struct Simd<float> {
   static constexpr int kPerm[8] = {0, 1, 4, 5, 2, 3, 6, 7};
   static V load(const float* p) { return _mm256_loadu_ps(p); }
   static void store(float* p, V v) { _mm256_storeu_ps(p, v); }
-  static V set1(float x) { return _mm256_set1_ps(x); }
+  static V set1(double x) { return _mm256_set1_ps(float(x)); }
   static V add(V a, V b) { return _mm256_add_ps(a, b); }
   static V sub(V a, V b) { return _mm256_sub_ps(a, b); }
   static V mul(V a, V b) { return _mm256_mul_ps(a, b); }
@@ -106,6 +106,33 @@ struct Simd<double> {
   }
 };
 
+// Four floats: the lanes of the short transforms.
+struct F4 {};
+template <>
+struct Simd<F4> {
+  using V = __m128;
+  static constexpr int W = 4;
+  static constexpr int kPerm[4] = {0, 1, 2, 3};
+  static V load(const float* p) { return _mm_loadu_ps(p); }
+  static void store(float* p, V v) { _mm_storeu_ps(p, v); }
+  static V set1(double x) { return _mm_set1_ps(float(x)); }
+  static V add(V a, V b) { return _mm_add_ps(a, b); }
+  static V sub(V a, V b) { return _mm_sub_ps(a, b); }
+  static V mul(V a, V b) { return _mm_mul_ps(a, b); }
+  static V fmadd(V a, V b, V c) { return _mm_fmadd_ps(a, b, c); }
+  static V fmsub(V a, V b, V c) { return _mm_fmsub_ps(a, b, c); }
+  static void load_c(const float* p, V& re, V& im) {
+    V a = load(p), b = load(p + 4);
+    re = _mm_shuffle_ps(a, b, 0x88);
+    im = _mm_shuffle_ps(a, b, 0xDD);
+  }
+  static void store_c(float* p, V re, V im) {
+    store(p, _mm_unpacklo_ps(re, im));
+    store(p + 4, _mm_unpackhi_ps(re, im));
+  }
+  static void transpose(V* r) { _MM_TRANSPOSE4_PS(r[0], r[1], r[2], r[3]); }
+};
+
 // A vector of W complex values.
 template <class T>
 struct CV {
@@ -126,7 +153,7 @@ template <class T>
 template <class T>
 [[gnu::always_inline]] inline CV<T> mul_ni(CV<T> a) {
   using S = Simd<T>;
-  return {a.im, S::sub(S::set1(T(0)), a.re)};
+  return {a.im, S::sub(S::set1(0.0), a.re)};
 }
 // a times the twiddle (wr, wi)
 template <class T>
@@ -150,7 +177,7 @@ template <class T>
 template <class T>
 [[gnu::always_inline]] inline void dft8(CV<T>* a) {
   using S = Simd<T>;
-  const auto h = S::set1(T(0.70710678118654752440084436210485L));
+  const auto h = S::set1(0.70710678118654752440);
   CV<T> t0 = cadd(a[0], a[4]), t1 = csub(a[0], a[4]);
   CV<T> t2 = cadd(a[2], a[6]), t3 = csub(a[2], a[6]);
   CV<T> t4 = cadd(a[1], a[5]), t5 = csub(a[1], a[5]);
@@ -164,7 +191,7 @@ template <class T>
   // o1 (1 - i)/sqrt2, o2 (-i), o3 (-1 - i)/sqrt2
   CV<T> w1 = {S::mul(S::add(o1.re, o1.im), h), S::mul(S::sub(o1.im, o1.re), h)};
   CV<T> w2 = mul_ni(o2);
-  CV<T> w3 = {S::mul(S::sub(o3.im, o3.re), h), S::mul(S::sub(S::set1(T(0)), S::add(o3.re, o3.im)), h)};
+  CV<T> w3 = {S::mul(S::sub(o3.im, o3.re), h), S::mul(S::sub(S::set1(0.0), S::add(o3.re, o3.im)), h)};
   a[0] = cadd(e0, o0);
   a[4] = csub(e0, o0);
   a[1] = cadd(e1, w1);
