@@ -1,6 +1,7 @@
 // Complex forward and inverse transforms, interleaved and split.
 #include "frame/check.h"
-#include "transforms/fft_complex.h"
+#include "frame/state.h"
+#include "transforms/fft_roads.h"
 
 namespace vrks::fft {
 namespace {
@@ -17,7 +18,7 @@ VrkStatus interleaved(const void* state, uint32_t tag, const T* src, T* dst, Vrk
   auto* st = static_cast<const FloatState<T>*>(state);
   WorkBuffer work;
   VRKS_CHECK(work.acquire(buffer, st->bufferSize));
-  complex_interleaved<T, Inv>(st, st->order, src, dst, work.data<T>(), scaled_for(st, Inv), st->scaleFactor);
+  roads_of<T>().interleaved[Inv](st, st->order, src, dst, work.data<T>(), scaled_for(st, Inv), st->scaleFactor);
   return vrkStatusOk;
 }
 
@@ -29,7 +30,7 @@ VrkStatus split(const void* state, uint32_t tag, const T* sre, const T* sim, T* 
   auto* st = static_cast<const FloatState<T>*>(state);
   WorkBuffer work;
   VRKS_CHECK(work.acquire(buffer, st->bufferSize));
-  complex_split<T, Inv>(st, st->order, sre, sim, dre, dim, work.data<T>(), scaled_for(st, Inv), st->scaleFactor);
+  roads_of<T>().split[Inv](st, st->order, sre, sim, dre, dim, work.data<T>(), scaled_for(st, Inv), st->scaleFactor);
   return vrkStatusOk;
 }
 

@@ -7,6 +7,8 @@
 #include "transforms/fft_small.h"
 
 namespace vrks::fft {
+// Each instruction-set road compiles its own copy.
+namespace {
 
 template <class T>
 struct Pair {
@@ -76,4 +78,5 @@ void complex_split(const FloatState<T>* st, int n, const T* sre, const T* sim, T
   }
 }
 
+}  // namespace
 }  // namespace vrks::fft

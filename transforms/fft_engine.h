@@ -24,6 +24,8 @@
 #include "transforms/fft_state.h"
 
 namespace vrks::fft {
+// Each instruction-set road compiles its own copy.
+namespace {
 
 constexpr uint32_t reverse_bits(uint32_t x, int bits) {
   uint32_t r = 0;
@@ -397,4 +399,5 @@ void later_stages(const Plan& p, int n, const Work& work, const Out& out, const 
   }
 }
 
+}  // namespace
 }  // namespace vrks::fft

@@ -8,6 +8,8 @@
 #include <cstddef>
 
 namespace vrks::fft {
+// Each instruction-set road compiles its own copy.
+namespace {
 
 template <class T> struct Simd;
 
@@ -202,4 +204,5 @@ template <class T>
   a[7] = csub(e3, w3);
 }
 
+}  // namespace
 }  // namespace vrks::fft

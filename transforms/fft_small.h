@@ -8,6 +8,8 @@
 #include "transforms/fft_engine.h"
 
 namespace vrks::fft {
+// Each instruction-set road compiles its own copy.
+namespace {
 
 // sin(2 pi k / 32), k = 0..8: the quarter wave of the 32-point circle.
 template <class T>
@@ -171,4 +173,5 @@ struct SmallIO {
   }
 };
 
+}  // namespace
 }  // namespace vrks::fft
