@@ -1,5 +1,6 @@
 /* A short tour of vrks: aligned buffers, fills, copies, reversal and byte
  * order, as an audio or radio program would use them. */
+#include <math.h>
 #include <stdio.h>
 
 #include <vrks.h>
@@ -71,6 +72,45 @@ int main(void) {
     printf("  PCM x 0.7 through float:      ");
     for (i = 0; i < 5; ++i) printf(" %6d", back[i]);
     printf("\n");
+  }
+
+  /* The spectrum of two tones: 1 kHz and 3.5 kHz at 16 kHz sampling, 256
+   * samples, through a real FFT with the spectrum in CCS layout (bins
+   * 0..128 as complex pairs) and 1/N scaling, so that a tone of amplitude a
+   * shows a magnitude of a/2 in its bin. */
+  {
+    enum { order = 8, N = 1 << order };
+    const double pi = 3.14159265358979323846;
+    VrksFFTState_R_32f* fft = NULL;
+    Vrk32f* x = vrksMalloc_32f(N);
+    Vrk32fc* spectrum = vrksMalloc_32fc(N / 2 + 1);
+    int bin, size = 0, best[2] = {0, 0};
+    Vrk8u* work = NULL;
+    if (x == NULL || spectrum == NULL) return 1;
+    for (i = 0; i < N; ++i)
+      x[i] = (Vrk32f)(1.0 * sin(2 * pi * 1000.0 * i / 16000.0) + 0.5 * sin(2 * pi * 3500.0 * i / 16000.0));
+    if (vrksFFTInitAlloc_R_32f(&fft, order, vrkFFTScaleFwdByN, 0) != vrkStatusOk) return 1;
+    vrksFFTGetBufSize_R_32f(fft, &size);
+    if (size > 0) work = vrksMalloc_8u(size);
+    vrksFFTFwd_RToCCS_32f(x, (Vrk32f*)spectrum, fft, work);
+    for (bin = 1; bin <= N / 2; ++bin) {
+      const double m = hypot(spectrum[bin].re, spectrum[bin].im);
+      if (m > hypot(spectrum[best[0]].re, spectrum[best[0]].im)) best[1] = best[0], best[0] = bin;
+      else if (m > hypot(spectrum[best[1]].re, spectrum[best[1]].im)) best[1] = bin;
+    }
+    printf("  two tones, 256-point real FFT: peaks\n");
+    for (i = 0; i < 2; ++i)
+      printf("    bin %3d = %6.0f Hz, magnitude %.3f\n", best[i], best[i] * 16000.0 / N,
+             hypot(spectrum[best[i]].re, spectrum[best[i]].im));
+    printf("  magnitudes of bins 14..18 and 54..58:");
+    for (bin = 14; bin <= 18; ++bin) printf(" %.3f", hypot(spectrum[bin].re, spectrum[bin].im));
+    printf(" |");
+    for (bin = 54; bin <= 58; ++bin) printf(" %.3f", hypot(spectrum[bin].re, spectrum[bin].im));
+    printf("\n");
+    vrksFree(work);
+    vrksFFTFree_R_32f(fft);
+    vrksFree(spectrum);
+    vrksFree(x);
   }
 
   /* Errors are statuses; nothing is written. */
