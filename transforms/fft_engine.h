@@ -216,7 +216,7 @@ template <class T, int R, class In, class Out>
 void radix_stage(const In& in, const Out& out, size_t first, size_t count, size_t P, const T* tw) {
   using S = Simd<T>;
   constexpr int W = S::W;
-  constexpr int bits = R == 4 ? 2 : 3;
+  constexpr int bits = R == 4 ? 2 : R == 8 ? 3 : 4;
   for (size_t g = first; g < first + count; g += R * P) {
     const T* t = tw;
     for (size_t k = 0; k < P; k += W, t += 2 * (R - 1) * W) {
@@ -225,7 +225,8 @@ void radix_stage(const In& in, const Out& out, size_t first, size_t count, size_
       for (int j = 1; j < R; ++j)
         a[j] = cmul(a[j], S::load(t + 2 * (j - 1) * W), S::load(t + (2 * (j - 1) + 1) * W));
       if constexpr (R == 4) dft4(a);
-      else dft8(a);
+      else if constexpr (R == 8) dft8(a);
+      else dft16(a);
       for (int q = 0; q < R; ++q) out.store(g + q * P + k, a[q]);
     }
   }
@@ -235,7 +236,8 @@ template <class T, class In, class Out>
 void run_stage(int radix, const In& in, const Out& out, size_t first, size_t count, size_t P,
                const T* tw) {
   if (radix == 4) radix_stage<T, 4>(in, out, first, count, P, tw);
-  else radix_stage<T, 8>(in, out, first, count, P, tw);
+  else if (radix == 8) radix_stage<T, 8>(in, out, first, count, P, tw);
+  else radix_stage<T, 16>(in, out, first, count, P, tw);
 }
 
 // Floats of the twiddle table of a stage of radix r over length P.
@@ -243,13 +245,12 @@ constexpr size_t stage_table_size(int r, size_t P) { return 2 * size_t(r - 1) * 
 
 // ---- the plan --------------------------------------------------------------------
 
-// Radix-4 stages for a remainder of 2 or 4 bits, radix 8 for the rest;
-// the radix-4 stages come first.
+// Radix 8 for every three bits; a remainder of 2 bits takes a radix-4
+// stage, one of 4 bits a radix-16 stage, first.
 inline void add_stages(Plan& p, int bits) {
-  int fours = bits % 3 == 1 ? 2 : bits % 3 == 2 ? 1 : 0;
-  int eights = (bits - 2 * fours) / 3;
-  for (int i = 0; i < fours; ++i) p.radix[p.stages++] = 4;
-  for (int i = 0; i < eights; ++i) p.radix[p.stages++] = 8;
+  if (bits % 3 == 2) p.radix[p.stages++] = 4, bits -= 2;
+  else if (bits % 3 == 1) p.radix[p.stages++] = 16, bits -= 4;
+  for (; bits > 0; bits -= 3) p.radix[p.stages++] = 8;
 }
 
 // Chunks of 256 kB stay in the second-level cache through the inner stages.
