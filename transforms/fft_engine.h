@@ -209,27 +209,48 @@ void natural_pass(const Src& src, const Out& out, size_t first, size_t count) {
 
 // ---- later stages ----------------------------------------------------------------
 
+// Twiddles that a stage of radix R stores per run of k: W^k, W^2k, W^4k for
+// radix 8 and W^k, W^2k for radix 4 (the others are their products), all
+// fifteen for radix 16.
+constexpr int stored_twiddles(int r) { return r == 4 ? 2 : r == 8 ? 3 : r - 1; }
+constexpr int stored_power(int r, int i) { return r == 16 ? i + 1 : 1 << i; }
+
 // Combines R sub-transforms of length P into one of length R P, for every
 // group in [first, first + count). Block b of a group holds sub-transform
 // rev(b); output q goes to k + q P in natural order.
 template <class T, int R, class In, class Out>
 void radix_stage(const In& in, const Out& out, size_t first, size_t count, size_t P, const T* tw) {
   using S = Simd<T>;
+  using V = typename S::V;
   constexpr int W = S::W;
   constexpr int bits = R == 4 ? 2 : R == 8 ? 3 : 4;
+  constexpr int stored = stored_twiddles(R);
   for (size_t g = first; g < first + count; g += R * P) {
     const T* t = tw;
-    for (size_t k = 0; k < P; k += W, t += 2 * (R - 1) * W) {
+    for (size_t k = 0; k < P; k += W, t += 2 * stored * W) {
       CV<T> a[R];
       for (int b = 0; b < R; ++b) a[reverse_bits(b, bits)] = in.load(g + b * P + k);
-      for (int j = 1; j < R; ++j)
-        a[j] = cmul(a[j], S::load(t + 2 * (j - 1) * W), S::load(t + (2 * (j - 1) + 1) * W));
+      if constexpr (R == 16) {
+        for (int j = 1; j < R; ++j)
+          a[j] = cmul(a[j], S::load(t + 2 * (j - 1) * W), S::load(t + (2 * (j - 1) + 1) * W));
+      } else {
+        CV<T> w[R];
+        for (int i = 0; i < stored; ++i) w[1 << i] = CV<T>{S::load(t + 2 * i * W), S::load(t + (2 * i + 1) * W)};
+        w[3] = cmul(w[1], w[2].re, w[2].im);
+        if constexpr (R == 8) {
+          w[5] = cmul(w[1], w[4].re, w[4].im);
+          w[6] = cmul(w[2], w[4].re, w[4].im);
+          w[7] = cmul(w[3], w[4].re, w[4].im);
+        }
+        for (int j = 1; j < R; ++j) a[j] = cmul(a[j], w[j].re, w[j].im);
+      }
       if constexpr (R == 4) dft4(a);
       else if constexpr (R == 8) dft8(a);
       else dft16(a);
       for (int q = 0; q < R; ++q) out.store(g + q * P + k, a[q]);
     }
   }
+  (void)sizeof(V);
 }
 
 template <class T, class In, class Out>
@@ -240,8 +261,8 @@ void run_stage(int radix, const In& in, const Out& out, size_t first, size_t cou
   else radix_stage<T, 16>(in, out, first, count, P, tw);
 }
 
-// Floats of the twiddle table of a stage of radix r over length P.
-constexpr size_t stage_table_size(int r, size_t P) { return 2 * size_t(r - 1) * P; }
+// Reals of the twiddle table of a stage of radix r over length P.
+constexpr size_t stage_table_size(int r, size_t P) { return 2 * size_t(stored_twiddles(r)) * P; }
 
 // ---- the plan --------------------------------------------------------------------
 
@@ -300,7 +321,8 @@ void build_twiddles(const Plan& p, int n, const Sine<T>& sine, int table_order, 
     const int r = p.radix[s];
     const size_t L = r * P, step = (size_t(1) << table_order) / L;
     for (size_t k0 = 0; k0 < P; k0 += W)
-      for (int j = 1; j < r; ++j) {
+      for (int i = 0; i < stored_twiddles(r); ++i) {
+        const size_t j = size_t(stored_power(r, i));
         for (int l = 0; l < W; ++l) {
           T c, sn;
           sine.at((j * (k0 + l) * step) % (size_t(1) << table_order), c, sn);
