@@ -20,16 +20,7 @@ struct Pair {
 template <class T, bool Inv>
 void complex_interleaved(const FloatState<T>* st, int n, const T* src, T* dst, T* work, bool scaled,
                          T factor) {
-  const int N = 1 << n;
-  if (n == 4) return small_interleaved<T, 16, Inv>(src, dst, scaled, factor);
-  if (n == 5) return small_interleaved<T, 32, Inv>(src, dst, scaled, factor);
-  if (n <= Limits<T>::straight) {
-    SmallIO<T> io;
-    io.load_interleaved(src, N, Inv);
-    small_dft(io.re, io.im, n);
-    io.store_interleaved(dst, N, Inv, scaled, factor);
-    return;
-  }
+  if (n <= Limits<T>::straight) return straight_interleaved<T, Inv>(n, src, dst, scaled, factor);
   const Plan& p = st->plan;
   const InterleavedDst<T, Inv> out{dst, scaled, Simd<T>::set1(factor)};
   if (!p.reverse_first) {
@@ -52,16 +43,7 @@ template <class T, bool Inv>
 void complex_split(const FloatState<T>* st, int n, const T* sre, const T* sim, T* dre, T* dim,
                    T* work, bool scaled, T factor) {
   if (Inv) std::swap(sre, sim), std::swap(dre, dim);
-  const int N = 1 << n;
-  if (n == 4) return small_split<T, 16>(sre, sim, dre, dim, scaled, factor);
-  if (n == 5) return small_split<T, 32>(sre, sim, dre, dim, scaled, factor);
-  if (n <= Limits<T>::straight) {
-    SmallIO<T> io;
-    io.load_split(sre, sim, N);
-    small_dft(io.re, io.im, n);
-    io.store_split(dre, dim, N, scaled, factor);
-    return;
-  }
+  if (n <= Limits<T>::straight) return straight_split<T>(n, sre, sim, dre, dim, scaled, factor);
   const Plan& p = st->plan;
   const SplitDst<T, false> out{dre, dim, scaled, Simd<T>::set1(factor)};
   if (!p.reverse_first) {

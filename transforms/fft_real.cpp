@@ -18,8 +18,7 @@ enum class Format { Pack, Perm, CCS };
 // own, or for the short orders without tables, built from the constants.
 template <class T>
 struct RealTables {
-  const T *a, *b, *u, *v;
-  T own[32];
+  const T *a = nullptr, *b = nullptr, *u = nullptr, *v = nullptr;
   RealTables(const FloatState<T>* st, int order) {
     const size_t quarter = order >= 2 ? size_t(1) << (order - 2) : 0;
     if (st->realSplitTable != nullptr) {
@@ -27,8 +26,17 @@ struct RealTables {
       u = st->realMergeTable, v = u + quarter;
       return;
     }
-    if (quarter > 0) build_real_tables(small_sine<T>(), 5, order, own, own + 16);
-    a = own, b = own + quarter, u = own + 16, v = own + 16 + quarter;
+    switch (order) {
+      case 2: take(kSmallReal<T, 2>); break;
+      case 3: take(kSmallReal<T, 3>); break;
+      case 4: take(kSmallReal<T, 4>); break;
+      case 5: take(kSmallReal<T, 5>); break;
+      default: break;
+    }
+  }
+  template <class Tables>
+  void take(const Tables& t) {
+    a = t.a, b = t.b, u = t.u, v = t.v;
   }
 };
 

@@ -22,43 +22,26 @@ inline constexpr T kSine32[9] = {
 template <class T>
 constexpr Sine<T> small_sine() { return Sine<T>{kSine32<T>, 8}; }
 
-// In-place forward DFT of 2^n points (n <= 5), natural order in and out.
-template <class T>
-inline void small_dft(T* re, T* im, int n) {
-  const int N = 1 << n;
-  for (int i = 0; i < N; ++i) {
-    const int j = int(reverse_bits(uint32_t(i), n));
-    if (i < j) {
-      std::swap(re[i], re[j]);
-      std::swap(im[i], im[j]);
+// The split (A, B) and merge (U, V) tables of the real orders up to 5, as
+// build_real_tables would make them, fixed at compile time.
+template <class T, int order>
+struct SmallRealTables {
+  T a[8]{}, b[8]{}, u[8]{}, v[8]{};
+  constexpr SmallRealTables() {
+    const size_t quarter = order >= 2 ? size_t(1) << (order - 2) : 0;
+    const Sine<T> sine{kSine32<T>, 8};
+    for (size_t k = 1; k <= quarter; ++k) {
+      T c{}, sn{};
+      sine.at(k << (5 - order), c, sn);
+      a[k - 1] = T(0.5) * c;
+      b[k - 1] = T(0.5 - 0.5 * double(sn));
+      u[k - 1] = c;
+      v[k - 1] = -sn;
     }
   }
-  const Sine<T> sine = small_sine<T>();
-  for (int L = 2; L <= N; L <<= 1) {
-    const int half = L / 2, step = 32 / L;
-    for (int k = 0; k < half; ++k) {
-      T c, s;
-      sine.at(size_t(k * step), c, s);
-      for (int g = 0; g < N; g += L) {
-        T& ar = re[g + k];
-        T& ai = im[g + k];
-        T& br = re[g + k + half];
-        T& bi = im[g + k + half];
-        T tr, ti;
-        if (k == 0) {
-          tr = br, ti = bi;
-        } else if (4 * k == L) {  // times -i
-          tr = bi, ti = -br;
-        } else {  // times c - i s
-          tr = br * c + bi * s;
-          ti = bi * c - br * s;
-        }
-        br = ar - tr, bi = ai - ti;
-        ar = ar + tr, ai = ai + ti;
-      }
-    }
-  }
-}
+};
+template <class T, int order>
+inline constexpr SmallRealTables<T, order> kSmallReal{};
 
 // ---- 16 and 32 points on four lanes ---------------------------------------------
 
@@ -147,31 +130,82 @@ void small_split(const T* sre, const T* sim, T* dre, T* dim, bool scaled, T fact
       });
 }
 
-// One small complex transform between interleaved or split arrays; `Inv`
-// exchanges real and imaginary parts on the way in and out.
+// ---- up to 8 points, one value at a time ------------------------------------------
+
+template <class T> struct One {};
 template <class T>
-struct SmallIO {
-  T re[32], im[32];
-  void load_interleaved(const T* p, int N, bool inv) {
-    for (int i = 0; i < N; ++i) (inv ? im : re)[i] = p[2 * i], (inv ? re : im)[i] = p[2 * i + 1];
-  }
-  void store_interleaved(T* p, int N, bool inv, bool scaled, T f) const {
-    for (int i = 0; i < N; ++i) {
-      T a = (inv ? im : re)[i], b = (inv ? re : im)[i];
-      if (scaled) a = a * f, b = b * f;
-      p[2 * i] = a, p[2 * i + 1] = b;
-    }
-  }
-  void load_split(const T* r, const T* m, int N) {
-    for (int i = 0; i < N; ++i) re[i] = r[i], im[i] = m[i];
-  }
-  void store_split(T* r, T* m, int N, bool scaled, T f) const {
-    for (int i = 0; i < N; ++i) {
-      r[i] = scaled ? re[i] * f : re[i];
-      m[i] = scaled ? im[i] * f : im[i];
-    }
-  }
+struct Simd<One<T>> {
+  using V = T;
+  static constexpr int W = 1;
+  static V set1(double x) { return T(x); }
+  static V add(V a, V b) { return a + b; }
+  static V sub(V a, V b) { return a - b; }
+  static V mul(V a, V b) { return a * b; }
+  static V fmadd(V a, V b, V c) { return a * b + c; }
+  static V fmsub(V a, V b, V c) { return a * b - c; }
 };
+
+template <class T, int N>
+[[gnu::always_inline]] inline void tiny_dft(CV<One<T>>* a) {
+  if constexpr (N == 2) {
+    const CV<One<T>> s = cadd(a[0], a[1]), d = csub(a[0], a[1]);
+    a[0] = s, a[1] = d;
+  } else if constexpr (N == 4) {
+    dft4(a);
+  } else if constexpr (N == 8) {
+    dft8(a);
+  }
+}
+
+// Orders 0 to 3 between interleaved arrays; `Inv` exchanges real and
+// imaginary parts on the way in and out. All loads come before the stores.
+template <class T, int N, bool Inv>
+void tiny_interleaved(const T* src, T* dst, bool scaled, T f) {
+  CV<One<T>> a[N];
+  for (int i = 0; i < N; ++i) a[i] = Inv ? CV<One<T>>{src[2 * i + 1], src[2 * i]} : CV<One<T>>{src[2 * i], src[2 * i + 1]};
+  tiny_dft<T, N>(a);
+  for (int i = 0; i < N; ++i) {
+    T re = a[i].re, im = a[i].im;
+    if (scaled) re = re * f, im = im * f;
+    dst[2 * i] = Inv ? im : re;
+    dst[2 * i + 1] = Inv ? re : im;
+  }
+}
+
+template <class T, int N>
+void tiny_split(const T* sre, const T* sim, T* dre, T* dim, bool scaled, T f) {
+  CV<One<T>> a[N];
+  for (int i = 0; i < N; ++i) a[i] = CV<One<T>>{sre[i], sim[i]};
+  tiny_dft<T, N>(a);
+  for (int i = 0; i < N; ++i) {
+    dre[i] = scaled ? a[i].re * f : a[i].re;
+    dim[i] = scaled ? a[i].im * f : a[i].im;
+  }
+}
+
+// The straight road, orders 0 to 5.
+template <class T, bool Inv>
+void straight_interleaved(int n, const T* src, T* dst, bool scaled, T f) {
+  switch (n) {
+    case 0: return tiny_interleaved<T, 1, Inv>(src, dst, scaled, f);
+    case 1: return tiny_interleaved<T, 2, Inv>(src, dst, scaled, f);
+    case 2: return tiny_interleaved<T, 4, Inv>(src, dst, scaled, f);
+    case 3: return tiny_interleaved<T, 8, Inv>(src, dst, scaled, f);
+    case 4: return small_interleaved<T, 16, Inv>(src, dst, scaled, f);
+    default: return small_interleaved<T, 32, Inv>(src, dst, scaled, f);
+  }
+}
+template <class T>
+void straight_split(int n, const T* sre, const T* sim, T* dre, T* dim, bool scaled, T f) {
+  switch (n) {
+    case 0: return tiny_split<T, 1>(sre, sim, dre, dim, scaled, f);
+    case 1: return tiny_split<T, 2>(sre, sim, dre, dim, scaled, f);
+    case 2: return tiny_split<T, 4>(sre, sim, dre, dim, scaled, f);
+    case 3: return tiny_split<T, 8>(sre, sim, dre, dim, scaled, f);
+    case 4: return small_split<T, 16>(sre, sim, dre, dim, scaled, f);
+    default: return small_split<T, 32>(sre, sim, dre, dim, scaled, f);
+  }
+}
 
 }  // namespace
 }  // namespace vrks::fft
