@@ -209,11 +209,10 @@ void natural_pass(const Src& src, const Out& out, size_t first, size_t count) {
 
 // ---- later stages ----------------------------------------------------------------
 
-// Twiddles that a stage of radix R stores per run of k: W^k, W^2k, W^4k for
-// radix 8 and W^k, W^2k for radix 4 (the others are their products), all
-// fifteen for radix 16.
-constexpr int stored_twiddles(int r) { return r == 4 ? 2 : r == 8 ? 3 : r - 1; }
-constexpr int stored_power(int r, int i) { return r == 16 ? i + 1 : 1 << i; }
+// Twiddles that a stage of radix R stores per run of k: W^k and W^2k, and
+// W^4k for radix 8; the others are their products.
+constexpr int stored_twiddles(int r) { return r == 4 ? 2 : 3; }
+constexpr int stored_power(int, int i) { return 1 << i; }
 
 // Combines R sub-transforms of length P into one of length R P, for every
 // group in [first, first + count). Block b of a group holds sub-transform
@@ -223,30 +222,24 @@ void radix_stage(const In& in, const Out& out, size_t first, size_t count, size_
   using S = Simd<T>;
   using V = typename S::V;
   constexpr int W = S::W;
-  constexpr int bits = R == 4 ? 2 : R == 8 ? 3 : 4;
+  constexpr int bits = R == 4 ? 2 : 3;
   constexpr int stored = stored_twiddles(R);
   for (size_t g = first; g < first + count; g += R * P) {
     const T* t = tw;
     for (size_t k = 0; k < P; k += W, t += 2 * stored * W) {
       CV<T> a[R];
       for (int b = 0; b < R; ++b) a[reverse_bits(b, bits)] = in.load(g + b * P + k);
-      if constexpr (R == 16) {
-        for (int j = 1; j < R; ++j)
-          a[j] = cmul(a[j], S::load(t + 2 * (j - 1) * W), S::load(t + (2 * (j - 1) + 1) * W));
-      } else {
-        CV<T> w[R];
-        for (int i = 0; i < stored; ++i) w[1 << i] = CV<T>{S::load(t + 2 * i * W), S::load(t + (2 * i + 1) * W)};
-        w[3] = cmul(w[1], w[2].re, w[2].im);
-        if constexpr (R == 8) {
-          w[5] = cmul(w[1], w[4].re, w[4].im);
-          w[6] = cmul(w[2], w[4].re, w[4].im);
-          w[7] = cmul(w[3], w[4].re, w[4].im);
+      CV<T> w[R];
+      for (int i = 0; i < stored; ++i) w[1 << i] = CV<T>{S::load(t + 2 * i * W), S::load(t + (2 * i + 1) * W)};
+      // w[j] = w[high bit of j] w[rest of j]
+      for (int j = 3; j < R; ++j)
+        if (j & (j - 1)) {
+          const int h = 1 << (31 - __builtin_clz(j));
+          w[j] = cmul(w[j - h], w[h].re, w[h].im);
         }
-        for (int j = 1; j < R; ++j) a[j] = cmul(a[j], w[j].re, w[j].im);
-      }
+      for (int j = 1; j < R; ++j) a[j] = cmul(a[j], w[j].re, w[j].im);
       if constexpr (R == 4) dft4(a);
-      else if constexpr (R == 8) dft8(a);
-      else dft16(a);
+      else dft8(a);
       for (int q = 0; q < R; ++q) out.store(g + q * P + k, a[q]);
     }
   }
@@ -257,8 +250,7 @@ template <class T, class In, class Out>
 void run_stage(int radix, const In& in, const Out& out, size_t first, size_t count, size_t P,
                const T* tw) {
   if (radix == 4) radix_stage<T, 4>(in, out, first, count, P, tw);
-  else if (radix == 8) radix_stage<T, 8>(in, out, first, count, P, tw);
-  else radix_stage<T, 16>(in, out, first, count, P, tw);
+  else radix_stage<T, 8>(in, out, first, count, P, tw);
 }
 
 // Reals of the twiddle table of a stage of radix r over length P.
@@ -267,10 +259,10 @@ constexpr size_t stage_table_size(int r, size_t P) { return 2 * size_t(stored_tw
 // ---- the plan --------------------------------------------------------------------
 
 // Radix 8 for every three bits; a remainder of 2 bits takes a radix-4
-// stage, one of 4 bits a radix-16 stage, first.
+// stage, one of 4 bits two radix-4 stages, first.
 inline void add_stages(Plan& p, int bits) {
   if (bits % 3 == 2) p.radix[p.stages++] = 4, bits -= 2;
-  else if (bits % 3 == 1) p.radix[p.stages++] = 16, bits -= 4;
+  else if (bits % 3 == 1) p.radix[p.stages++] = 4, p.radix[p.stages++] = 4, bits -= 4;
   for (; bits > 0; bits -= 3) p.radix[p.stages++] = 8;
 }
 
