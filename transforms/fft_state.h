@@ -43,7 +43,7 @@ template <> struct Limits<double> {
   static constexpr int tile_bits = 5;
   static constexpr int straight = 5;
   static constexpr int real_straight = 5;
-  static constexpr int block_rows(int n) { return n <= 18 ? 6 : 8; }
+  static constexpr int block_rows(int n) { return n <= 21 ? 6 : 8; }
   static constexpr int block_area(int n) { return n <= 18 ? 10 : n <= 21 ? 12 : 13; }
 };
 
