@@ -25,7 +25,8 @@ void complex_interleaved(const FloatState<T>* st, int n, const T* src, T* dst, T
   const InterleavedDst<T, Inv> out{dst, scaled, Simd<T>::set1(factor)};
   if (!p.reverse_first) {
     const Blocked<T> area{src != dst ? dst : work};
-    gather_pass<T>(InterleavedSrc<T, Inv>{src}, area, n, st->bitRevTable);
+    if (p.radix[0] == 16) gather_pass<T, 16>(InterleavedSrc<T, Inv>{src}, area, n, st->bitRevTable);
+    else gather_pass<T, 8>(InterleavedSrc<T, Inv>{src}, area, n, st->bitRevTable);
     later_stages<T>(p, n, area, out, st->twiddleTable, [](size_t, size_t) {});
   } else {
     using E = Pair<T>;
@@ -48,7 +49,8 @@ void complex_split(const FloatState<T>* st, int n, const T* sre, const T* sim, T
   const SplitDst<T, false> out{dre, dim, scaled, Simd<T>::set1(factor)};
   if (!p.reverse_first) {
     const Blocked<T> area{work};
-    gather_pass<T>(SplitSrc<T, false>{sre, sim}, area, n, st->bitRevTable);
+    if (p.radix[0] == 16) gather_pass<T, 16>(SplitSrc<T, false>{sre, sim}, area, n, st->bitRevTable);
+    else gather_pass<T, 8>(SplitSrc<T, false>{sre, sim}, area, n, st->bitRevTable);
     later_stages<T>(p, n, area, out, st->twiddleTable, [](size_t, size_t) {});
   } else {
     reverse_tiles<T>(sre, dre, n, Limits<T>::tile_bits, work);

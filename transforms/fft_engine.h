@@ -112,43 +112,30 @@ struct SplitDst {
 
 // ---- stage 0 -------------------------------------------------------------------
 
-// Reads x[r N/8 + c], r = 0..7, for every column c; the 8-point DFT of column
-// c goes to elements 8g .. 8g+7 of the working area, g = rev(c) over n - 3
-// bits. `rev_base[i]` is rev(i W) over n - 3 bits.
-template <class T, class Src, class Out>
+// Reads x[r N/R0 + c], r = 0 .. R0-1 (R0 = 8 or 16), for every column c;
+// the R0-point DFT of column c goes to elements R0 g .. R0 g + R0-1 of the
+// working area, g = rev(c) over n - log2 R0 bits. `rev_base[i]` is rev(i W)
+// over those bits.
+template <class T, int R0, class Src, class Out>
 void gather_pass(const Src& src, const Out& out, int n, const uint32_t* rev_base) {
   using S = Simd<T>;
   constexpr int W = S::W;
-  const size_t rows = size_t(1) << (n - 3);
-  // rev over n - 3 bits of a lane offset j < W
+  const int bits = n - (R0 == 8 ? 3 : 4);
+  const size_t rows = size_t(1) << bits;
   uint32_t lane_rev[W];
-  for (int j = 0; j < W; ++j) lane_rev[j] = reverse_bits(uint32_t(Src::perm[j]), n - 3);
+  for (int j = 0; j < W; ++j) lane_rev[j] = reverse_bits(uint32_t(Src::perm[j]), bits);
   for (size_t c = 0, i = 0; c < rows; c += W, ++i) {
-    CV<T> a[8];
-    for (int r = 0; r < 8; ++r) a[r] = src.load(r * rows + c);
-    dft8(a);
+    CV<T> a[R0];
+    for (int r = 0; r < R0; ++r) a[r] = src.load(r * rows + c);
+    if constexpr (R0 == 8) dft8(a);
+    else dft16(a);
     const uint32_t g0 = rev_base[i];
-    if constexpr (W == 8) {
-      typename S::V re[8], im[8];
-      for (int k = 0; k < 8; ++k) re[k] = a[k].re, im[k] = a[k].im;
+    for (int q = 0; q < R0; q += W) {
+      typename S::V re[W], im[W];
+      for (int k = 0; k < W; ++k) re[k] = a[q + k].re, im[k] = a[q + k].im;
       S::transpose(re);
       S::transpose(im);
-      for (int j = 0; j < 8; ++j) out.store(size_t(g0 + lane_rev[j]) * 8, CV<T>{re[j], im[j]});
-    } else {
-      typename S::V re0[4], im0[4], re1[4], im1[4];
-      for (int k = 0; k < 4; ++k) {
-        re0[k] = a[k].re, im0[k] = a[k].im;
-        re1[k] = a[k + 4].re, im1[k] = a[k + 4].im;
-      }
-      S::transpose(re0);
-      S::transpose(im0);
-      S::transpose(re1);
-      S::transpose(im1);
-      for (int j = 0; j < 4; ++j) {
-        const size_t e = size_t(g0 + lane_rev[j]) * 8;
-        out.store(e, CV<T>{re0[j], im0[j]});
-        out.store(e + 4, CV<T>{re1[j], im1[j]});
-      }
+      for (int j = 0; j < W; ++j) out.store(size_t(g0 + lane_rev[j]) * R0 + q, CV<T>{re[j], im[j]});
     }
   }
 }
@@ -274,9 +261,10 @@ Plan make_plan(int n) {
   int inner = n <= chunk + 1 ? n : chunk;
   p.inner_bits = int8_t(inner);
   p.reverse_first = n > Limits<T>::direct ? 1 : 0;
-  p.radix[0] = 8;
+  // a first pass of radix 16 where three bits would leave one over
+  p.radix[0] = !p.reverse_first && n % 3 == 1 && n >= 13 ? 16 : 8;
   p.stages = 1;
-  add_stages(p, inner - 3);
+  add_stages(p, inner - (p.radix[0] == 16 ? 4 : 3));
   p.inner_stages = p.stages;
   if (n > inner) add_stages(p, n - inner);
   return p;
@@ -308,7 +296,7 @@ struct Sine {
 template <class T>
 void build_twiddles(const Plan& p, int n, const Sine<T>& sine, int table_order, T* tw) {
   constexpr int W = Simd<T>::W;
-  size_t P = 8;
+  size_t P = size_t(p.radix[0]);
   for (int s = 1; s < p.stages; ++s) {
     const int r = p.radix[s];
     const size_t L = r * P, step = (size_t(1) << table_order) / L;
@@ -328,12 +316,13 @@ void build_twiddles(const Plan& p, int n, const Sine<T>& sine, int table_order, 
   (void)n;
 }
 
-// rev(i W) over n - 3 bits, for the gathering first pass.
+// rev(i W) over the column bits of the gathering first pass.
 template <class T>
-void build_gather_table(int n, uint32_t* table) {
+void build_gather_table(const Plan& p, int n, uint32_t* table) {
   constexpr int W = Simd<T>::W;
-  const size_t count = (size_t(1) << (n - 3)) / W;
-  for (size_t i = 0; i < count; ++i) table[i] = reverse_bits(uint32_t(i * W), n - 3);
+  const int bits = n - (p.radix[0] == 16 ? 4 : 3);
+  const size_t count = (size_t(1) << bits) / W;
+  for (size_t i = 0; i < count; ++i) table[i] = reverse_bits(uint32_t(i * W), bits);
 }
 
 // ---- bit reversal of long arrays ----------------------------------------------------
@@ -389,7 +378,7 @@ void later_stages(const Plan& p, int n, const Work& work, const Out& out, const 
   const int last = p.stages - 1;
   const T* tables[12];
   {
-    size_t P = 8;
+    size_t P = size_t(p.radix[0]);
     const T* t = tw;
     for (int s = 1; s < p.stages; ++s) {
       tables[s] = t;
@@ -399,7 +388,7 @@ void later_stages(const Plan& p, int n, const Work& work, const Out& out, const 
   }
   for (size_t c0 = 0; c0 < N; c0 += chunk) {
     prologue(c0, chunk);
-    size_t P = 8;
+    size_t P = size_t(p.radix[0]);
     for (int s = 1; s < p.inner_stages; ++s) {
       if (s == last) run_stage<T>(p.radix[s], work, out, c0, chunk, P, tables[s]);
       else run_stage<T>(p.radix[s], work, work, c0, chunk, P, tables[s]);

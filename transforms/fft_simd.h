@@ -204,5 +204,36 @@ template <class T>
   a[7] = csub(e3, w3);
 }
 
+// In-place DFT of 16 complex vectors as 4 x 4: DFTs of 4 over j2 for each
+// j1 (j = 4 j2 + j1), twiddles W16^(j1 q1), DFTs of 4 over j1.
+template <class T>
+[[gnu::always_inline]] inline void dft16(CV<T>* a) {
+  using S = Simd<T>;
+  const auto c1 = S::set1(0.92387953251128675613), s1 = S::set1(0.38268343236508977173);
+  const auto h = S::set1(0.70710678118654752440);
+  const auto nc1 = S::set1(-0.92387953251128675613), ns1 = S::set1(-0.38268343236508977173);
+  const auto nh = S::set1(-0.70710678118654752440);
+  CV<T> b[4][4];
+  for (int j1 = 0; j1 < 4; ++j1) {
+    CV<T> t[4] = {a[j1], a[4 + j1], a[8 + j1], a[12 + j1]};
+    dft4(t);
+    for (int q1 = 0; q1 < 4; ++q1) b[j1][q1] = t[q1];
+  }
+  b[1][1] = cmul(b[1][1], c1, ns1);
+  b[1][2] = cmul(b[1][2], h, nh);
+  b[1][3] = cmul(b[1][3], s1, nc1);
+  b[2][1] = cmul(b[2][1], h, nh);
+  b[2][2] = mul_ni(b[2][2]);
+  b[2][3] = cmul(b[2][3], nh, nh);
+  b[3][1] = cmul(b[3][1], s1, nc1);
+  b[3][2] = cmul(b[3][2], nh, nh);
+  b[3][3] = cmul(b[3][3], nc1, s1);
+  for (int q1 = 0; q1 < 4; ++q1) {
+    CV<T> t[4] = {b[0][q1], b[1][q1], b[2][q1], b[3][q1]};
+    dft4(t);
+    for (int q2 = 0; q2 < 4; ++q2) a[q1 + 4 * q2] = t[q2];
+  }
+}
+
 }  // namespace
 }  // namespace vrks::fft

@@ -57,7 +57,7 @@ void build_complex(FloatState<T>* st, int n, const Sine<T>& sine, int table_orde
   st->plan = make_plan<T>(n);
   const size_t N = size_t(1) << n;
   st->bitRevTable = cur.take<uint32_t>((N / 8 / Simd<T>::W) * sizeof(uint32_t));
-  build_gather_table<T>(n, st->bitRevTable);
+  build_gather_table<T>(st->plan, n, st->bitRevTable);
   st->twiddleTable = cur.take<T>(2 * (N - 8) * sizeof(T));
   build_twiddles<T>(st->plan, n, sine, table_order, st->twiddleTable);
   st->bufferSize = int(work_bytes<T>(n));
