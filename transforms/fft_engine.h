@@ -246,11 +246,11 @@ constexpr size_t stage_table_size(int r, size_t P) { return 2 * size_t(stored_tw
 // ---- the plan --------------------------------------------------------------------
 
 // Radix 8 for every three bits; a remainder of 2 bits takes a radix-4
-// stage, one of 4 bits two radix-4 stages, first.
+// stage, one of 4 bits two radix-4 stages, last (measured the faster way).
 inline void add_stages(Plan& p, int bits) {
-  if (bits % 3 == 2) p.radix[p.stages++] = 4, bits -= 2;
-  else if (bits % 3 == 1) p.radix[p.stages++] = 4, p.radix[p.stages++] = 4, bits -= 4;
-  for (; bits > 0; bits -= 3) p.radix[p.stages++] = 8;
+  const int fours = bits % 3 == 2 ? 1 : bits % 3 == 1 ? 2 : 0;
+  for (bits -= 2 * fours; bits > 0; bits -= 3) p.radix[p.stages++] = 8;
+  for (int i = 0; i < fours; ++i) p.radix[p.stages++] = 4;
 }
 
 // Chunks of 256 kB stay in the second-level cache through the inner stages.
@@ -261,8 +261,8 @@ Plan make_plan(int n) {
   int inner = n <= chunk + 1 ? n : chunk;
   p.inner_bits = int8_t(inner);
   p.reverse_first = n > Limits<T>::direct ? 1 : 0;
-  // a first pass of radix 16 where three bits would leave one over
-  p.radix[0] = !p.reverse_first && n % 3 == 1 && n >= 13 ? 16 : 8;
+  // From order 9 a first pass of radix 16 pays for its larger butterflies.
+  p.radix[0] = !p.reverse_first && n >= 9 ? 16 : 8;
   p.stages = 1;
   add_stages(p, inner - (p.radix[0] == 16 ? 4 : 3));
   p.inner_stages = p.stages;
