@@ -20,7 +20,7 @@ struct Pair {
 template <class T, bool Inv>
 void complex_interleaved(const FloatState<T>* st, int n, const T* src, T* dst, T* work, bool scaled,
                          T factor) {
-  if (n <= Limits<T>::straight) return straight_interleaved<T, Inv>(n, src, dst, scaled, factor);
+  if (n <= kRowsMaxOrder<T>) return straight_interleaved<T, Inv>(n, src, dst, scaled, factor);
   const Plan& p = st->plan;
   const InterleavedDst<T, Inv> out{dst, scaled, Simd<T>::set1(factor)};
   if (!p.reverse_first) {
@@ -44,7 +44,7 @@ template <class T, bool Inv>
 void complex_split(const FloatState<T>* st, int n, const T* sre, const T* sim, T* dre, T* dim,
                    T* work, bool scaled, T factor) {
   if (Inv) std::swap(sre, sim), std::swap(dre, dim);
-  if (n <= Limits<T>::straight) return straight_split<T>(n, sre, sim, dre, dim, scaled, factor);
+  if (n <= kRowsMaxOrder<T>) return straight_split<T>(n, sre, sim, dre, dim, scaled, factor);
   const Plan& p = st->plan;
   const SplitDst<T, false> out{dre, dim, scaled, Simd<T>::set1(factor)};
   if (!p.reverse_first) {

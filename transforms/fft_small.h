@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <type_traits>
 
 #include "transforms/fft_engine.h"
 
@@ -18,9 +19,6 @@ inline constexpr T kSine32[9] = {
     T(0.555570233019602224742830813948532874L), T(0.707106781186547524400844362104849039L),
     T(0.831469612302545237078788377617905756L), T(0.923879532511286756128183189396788933L),
     T(0.980785280403230449126182236134239036L), T(1)};
-
-template <class T>
-constexpr Sine<T> small_sine() { return Sine<T>{kSine32<T>, 8}; }
 
 // The split (A, B) and merge (U, V) tables of the real orders up to 5, as
 // build_real_tables would make them, fixed at compile time.
@@ -43,70 +41,114 @@ struct SmallRealTables {
 template <class T, int order>
 inline constexpr SmallRealTables<T, order> kSmallReal{};
 
-// ---- 16 and 32 points on four lanes ---------------------------------------------
+// ---- 16 to 128 points as rows of one register ------------------------------------
 
-// W_N^(b k1) for rows k1 = 0 .. N/4 - 1: W cosines then W negated sines, lane
-// l holding b = rev-free lane order `perm` of the loads.
-template <class T, int N, bool Permuted>
-struct SmallTwiddles {
-  alignas(32) T v[N / 4][2][4];
-  constexpr SmallTwiddles() : v{} {
-    const int perm[4] = {0, Permuted ? 2 : 1, Permuted ? 1 : 2, 3};
-    const Sine<T> sine{kSine32<T>, 8};
-    for (int k1 = 0; k1 < N / 4; ++k1)
-      for (int l = 0; l < 4; ++l) {
+// sin(2 pi k / 128), k = 0..32: the quarter wave of the 128-point circle.
+template <class T>
+inline constexpr T kSine128[33] = {
+    T(0L),
+    T(0.0490676743274180149346L),
+    T(0.0980171403295606036288L),
+    T(0.146730474455361747932L),
+    T(0.195090322016128248084L),
+    T(0.242980179903263870944L),
+    T(0.290284677254462331053L),
+    T(0.336889853392220051109L),
+    T(0.382683432365089781779L),
+    T(0.42755509343028208491L),
+    T(0.47139673682599764204L),
+    T(0.514102744193221661284L),
+    T(0.555570233019602177649L),
+    T(0.595699304492433356906L),
+    T(0.634393284163645487794L),
+    T(0.671558954847018330092L),
+    T(0.707106781186547461715L),
+    T(0.740951125354959105884L),
+    T(0.773010453362736993377L),
+    T(0.803207531480644831845L),
+    T(0.831469612302545235671L),
+    T(0.857728610000272118086L),
+    T(0.881921264348354938534L),
+    T(0.903989293123443338196L),
+    T(0.923879532511286738483L),
+    T(0.941544065183020806309L),
+    T(0.956940335732208935404L),
+    T(0.970031253194543974239L),
+    T(0.980785280403230430579L),
+    T(0.989176509964781014439L),
+    T(0.995184726672196817709L),
+    T(0.998795456205172405006L),
+    T(1L)};
+
+// W_N^(b k1) for the rows k1 = 0 .. N/W - 1 of a kernel on the lanes of X:
+// W cosines, then W negated sines; lane l holds b = kPerm[l] of the
+// deinterleaving loads when `Permuted`, else b = l.
+template <class X, class T, int N, bool Permuted>
+struct RowTwiddles {
+  static constexpr int W = Simd<X>::W, R = N / W;
+  alignas(32) T v[R][2][W];
+  constexpr RowTwiddles() : v{} {
+    const Sine<T> sine{kSine128<T>, 32};
+    for (int k1 = 0; k1 < R; ++k1)
+      for (int l = 0; l < W; ++l) {
+        const int b = Permuted ? Simd<X>::kPerm[l] : l;
         T c{}, sn{};
-        sine.at(size_t(perm[l] * k1 * (32 / N)) % 32, c, sn);
+        sine.at(size_t(b * k1 * (128 / N)) % 128, c, sn);
         v[k1][0][l] = c;
         v[k1][1][l] = -sn;
       }
   }
 };
-template <class T, int N, bool Permuted>
-inline constexpr SmallTwiddles<T, N, Permuted> kSmallTwiddles{};
+template <class X, class T, int N, bool Permuted>
+inline constexpr RowTwiddles<X, T, N, Permuted> kRowTwiddles{};
 
-// N = 4R points as R rows of four: DFTs of length R down the rows, twiddles,
-// then DFTs of length 4 across each row after a 4 x 4 transpose.
-// `load(r)` gives row r (elements 4r .. 4r+3, lanes in the order that
-// `Permuted` names); `store(e, v)` writes four outputs from element e.
+// N = R W points as R rows of one register (W lanes): DFTs of length R down
+// the rows, twiddles, then DFTs of length W across each row after a W x W
+// transpose. `load(r)` gives row r (elements rW .. rW + W-1, lanes in kPerm
+// order when `Permuted`); `store(e, v)` writes W outputs from element e.
 template <class X, class T, int N, bool Permuted, class Load, class Store>
-[[gnu::always_inline]] inline void small4(Load&& load, Store&& store) {
+[[gnu::always_inline]] inline void small_rows(Load&& load, Store&& store) {
   using S = Simd<X>;
-  constexpr int R = N / 4;
+  constexpr int W = S::W, R = N / W;
   CV<X> a[R];
   for (int r = 0; r < R; ++r) a[r] = load(r);
   if constexpr (R == 4) dft4(a);
-  else dft8(a);
-  const auto& tw = kSmallTwiddles<T, N, Permuted>;
+  else if constexpr (R == 8) dft8(a);
+  else dft16(a);
+  const auto& tw = kRowTwiddles<X, T, N, Permuted>;
   for (int k1 = 1; k1 < R; ++k1) a[k1] = cmul(a[k1], S::load(tw.v[k1][0]), S::load(tw.v[k1][1]));
-  constexpr int perm[4] = {0, Permuted ? 2 : 1, Permuted ? 1 : 2, 3};
-  for (int c = 0; c < R / 4; ++c) {
-    typename S::V re[4], im[4];
-    for (int u = 0; u < 4; ++u) re[u] = a[4 * c + u].re, im[u] = a[4 * c + u].im;
+  for (int c = 0; c < R / W; ++c) {
+    typename S::V re[W], im[W];
+    for (int u = 0; u < W; ++u) re[u] = a[W * c + u].re, im[u] = a[W * c + u].im;
     S::transpose(re);
     S::transpose(im);
-    CV<X> z[4];
-    for (int v = 0; v < 4; ++v) z[perm[v]] = CV<X>{re[v], im[v]};
-    dft4(z);
-    for (int k2 = 0; k2 < 4; ++k2) store(size_t(R * k2 + 4 * c), z[k2]);
+    CV<X> z[W];
+    for (int v = 0; v < W; ++v) z[Permuted ? S::kPerm[v] : v] = CV<X>{re[v], im[v]};
+    if constexpr (W == 4) dft4(z);
+    else dft8(z);
+    for (int k2 = 0; k2 < W; ++k2) store(size_t(R * k2 + W * c), z[k2]);
   }
 }
 
-// Lanes of four for each element type: SSE floats, AVX doubles.
-template <class T> struct Lanes4;
-template <> struct Lanes4<float> { using X = F4; static constexpr bool permuted = false; };
-template <> struct Lanes4<double> { using X = double; static constexpr bool permuted = true; };
+// The lanes of each length: SSE floats up to 32 points, AVX floats for 64
+// and 128, AVX doubles (four) up to 64.
+template <class T, int N> struct RowLanes { using X = T; };
+template <> struct RowLanes<float, 16> { using X = F4; };
+template <> struct RowLanes<float, 32> { using X = F4; };
+// The longest length with a kernel of its own.
+template <class T> constexpr int kRowsMaxOrder = sizeof(T) == 4 ? 7 : 6;
 
 template <class T, int N, bool Inv>
 void small_interleaved(const T* src, T* dst, bool scaled, T factor) {
-  using X = typename Lanes4<T>::X;
+  using X = typename RowLanes<T, N>::X;
   using S = Simd<X>;
+  constexpr int W = S::W;
   const auto f = S::set1(factor);
-  small4<X, T, N, Lanes4<T>::permuted>(
+  small_rows<X, T, N, !std::is_same_v<X, F4>>(
       [&](int r) {
         CV<X> v;
-        if (Inv) S::load_c(src + 8 * r, v.im, v.re);
-        else S::load_c(src + 8 * r, v.re, v.im);
+        if (Inv) S::load_c(src + 2 * W * r, v.im, v.re);
+        else S::load_c(src + 2 * W * r, v.re, v.im);
         return v;
       },
       [&](size_t e, CV<X> v) {
@@ -118,11 +160,12 @@ void small_interleaved(const T* src, T* dst, bool scaled, T factor) {
 
 template <class T, int N>
 void small_split(const T* sre, const T* sim, T* dre, T* dim, bool scaled, T factor) {
-  using X = typename Lanes4<T>::X;
+  using X = typename RowLanes<T, N>::X;
   using S = Simd<X>;
+  constexpr int W = S::W;
   const auto f = S::set1(factor);
-  small4<X, T, N, false>(
-      [&](int r) { return CV<X>{S::load(sre + 4 * r), S::load(sim + 4 * r)}; },
+  small_rows<X, T, N, false>(
+      [&](int r) { return CV<X>{S::load(sre + W * r), S::load(sim + W * r)}; },
       [&](size_t e, CV<X> v) {
         if (scaled) v = {S::mul(v.re, f), S::mul(v.im, f)};
         S::store(dre + e, v.re);
@@ -183,7 +226,7 @@ void tiny_split(const T* sre, const T* sim, T* dre, T* dim, bool scaled, T f) {
   }
 }
 
-// The straight road, orders 0 to 5.
+// The straight road: orders 0 to kRowsMaxOrder without tables.
 template <class T, bool Inv>
 void straight_interleaved(int n, const T* src, T* dst, bool scaled, T f) {
   switch (n) {
@@ -192,7 +235,10 @@ void straight_interleaved(int n, const T* src, T* dst, bool scaled, T f) {
     case 2: return tiny_interleaved<T, 4, Inv>(src, dst, scaled, f);
     case 3: return tiny_interleaved<T, 8, Inv>(src, dst, scaled, f);
     case 4: return small_interleaved<T, 16, Inv>(src, dst, scaled, f);
-    default: return small_interleaved<T, 32, Inv>(src, dst, scaled, f);
+    case 5: return small_interleaved<T, 32, Inv>(src, dst, scaled, f);
+    case 6: return small_interleaved<T, 64, Inv>(src, dst, scaled, f);
+    default:
+      if constexpr (sizeof(T) == 4) return small_interleaved<T, 128, Inv>(src, dst, scaled, f);
   }
 }
 template <class T>
@@ -203,7 +249,10 @@ void straight_split(int n, const T* sre, const T* sim, T* dre, T* dim, bool scal
     case 2: return tiny_split<T, 4>(sre, sim, dre, dim, scaled, f);
     case 3: return tiny_split<T, 8>(sre, sim, dre, dim, scaled, f);
     case 4: return small_split<T, 16>(sre, sim, dre, dim, scaled, f);
-    default: return small_split<T, 32>(sre, sim, dre, dim, scaled, f);
+    case 5: return small_split<T, 32>(sre, sim, dre, dim, scaled, f);
+    case 6: return small_split<T, 64>(sre, sim, dre, dim, scaled, f);
+    default:
+      if constexpr (sizeof(T) == 4) return small_split<T, 128>(sre, sim, dre, dim, scaled, f);
   }
 }
 
