@@ -235,5 +235,13 @@ template <class T>
   }
 }
 
+// The DFT of R = 4, 8 or 16 complex vectors.
+template <int R, class T>
+[[gnu::always_inline]] inline void dft(CV<T>* a) {
+  if constexpr (R == 4) dft4(a);
+  else if constexpr (R == 8) dft8(a);
+  else dft16(a);
+}
+
 }  // namespace
 }  // namespace vrks::fft

@@ -43,41 +43,73 @@ inline constexpr SmallRealTables<T, order> kSmallReal{};
 
 // ---- 16 to 128 points as rows of one register ------------------------------------
 
-// sin(2 pi k / 128), k = 0..32: the quarter wave of the 128-point circle.
+// sin(2 pi k / 256), k = 0..64: the quarter wave of the 256-point circle.
 template <class T>
-inline constexpr T kSine128[33] = {
+inline constexpr T kSine256[65] = {
     T(0L),
+    T(0.0245412285229122881236L),
     T(0.0490676743274180149346L),
+    T(0.073564563599667426308L),
     T(0.0980171403295606036288L),
+    T(0.122410675199216195663L),
     T(0.146730474455361747932L),
+    T(0.170961888760301217172L),
     T(0.195090322016128248084L),
+    T(0.219101240156869797593L),
     T(0.242980179903263870944L),
+    T(0.266712757474898365384L),
     T(0.290284677254462331053L),
+    T(0.313681740398891517607L),
     T(0.336889853392220051109L),
+    T(0.359895036534988110866L),
     T(0.382683432365089781779L),
+    T(0.405241314004989860997L),
     T(0.42755509343028208491L),
+    T(0.449611329654606539652L),
     T(0.47139673682599764204L),
+    T(0.492898192229784037899L),
     T(0.514102744193221661284L),
+    T(0.534997619887097153324L),
     T(0.555570233019602177649L),
+    T(0.575808191417845338655L),
     T(0.595699304492433356906L),
+    T(0.615231590580626819253L),
     T(0.634393284163645487794L),
+    T(0.653172842953776755515L),
     T(0.671558954847018330092L),
+    T(0.689540544737066829484L),
     T(0.707106781186547461715L),
+    T(0.724247082951466891743L),
     T(0.740951125354959105884L),
+    T(0.757208846506484456462L),
     T(0.773010453362736993377L),
+    T(0.788346427626606227612L),
     T(0.803207531480644831845L),
+    T(0.817584813151583711388L),
     T(0.831469612302545235671L),
+    T(0.844853565249707005869L),
     T(0.857728610000272118086L),
+    T(0.870086991108711349519L),
     T(0.881921264348354938534L),
+    T(0.893224301195515324459L),
     T(0.903989293123443338196L),
+    T(0.914209755703530690951L),
     T(0.923879532511286738483L),
+    T(0.93299279883473884567L),
     T(0.941544065183020806309L),
+    T(0.94952818059303667475L),
     T(0.956940335732208935404L),
+    T(0.963776065795439840223L),
     T(0.970031253194543974239L),
+    T(0.975702130038528570033L),
     T(0.980785280403230430579L),
+    T(0.985277642388941221618L),
     T(0.989176509964781014439L),
+    T(0.992479534598709967064L),
     T(0.995184726672196817709L),
+    T(0.997290456678690206971L),
     T(0.998795456205172405006L),
+    T(0.999698818696204249967L),
     T(1L)};
 
 // W_N^(b k1) for the rows k1 = 0 .. N/W - 1 of a kernel on the lanes of X:
@@ -88,12 +120,12 @@ struct RowTwiddles {
   static constexpr int W = Simd<X>::W, R = N / W;
   alignas(32) T v[R][2][W];
   constexpr RowTwiddles() : v{} {
-    const Sine<T> sine{kSine128<T>, 32};
+    const Sine<T> sine{kSine256<T>, 64};
     for (int k1 = 0; k1 < R; ++k1)
       for (int l = 0; l < W; ++l) {
         const int b = Permuted ? Simd<X>::kPerm[l] : l;
         T c{}, sn{};
-        sine.at(size_t(b * k1 * (128 / N)) % 128, c, sn);
+        sine.at(size_t(b * k1 * (256 / N)) % 256, c, sn);
         v[k1][0][l] = c;
         v[k1][1][l] = -sn;
       }
@@ -130,13 +162,64 @@ template <class X, class T, int N, bool Permuted, class Load, class Store>
   }
 }
 
-// The lanes of each length: SSE floats up to 32 points, AVX floats for 64
-// and 128, AVX doubles (four) up to 64.
+// N = R C points as R rows of C (C a multiple of W), through a scratch
+// held in registers and the first-level cache: DFTs of length R down each
+// block of W columns, twiddles W_N^(c k1), then for each block of W values
+// of k1 the columns transposed into lanes and DFTs of length C across.
+template <class X, class T, int R, int C, bool Permuted>
+struct GridTwiddles {
+  static constexpr int W = Simd<X>::W, N = R * C;
+  alignas(32) T v[R][C / W][2][W];
+  constexpr GridTwiddles() : v{} {
+    const Sine<T> sine{kSine256<T>, 64};
+    for (int k1 = 0; k1 < R; ++k1)
+      for (int cb = 0; cb < C / W; ++cb)
+        for (int l = 0; l < W; ++l) {
+          const int c = cb * W + (Permuted ? Simd<X>::kPerm[l] : l);
+          T cs{}, sn{};
+          sine.at(size_t(c * k1 * (256 / N)) % 256, cs, sn);
+          v[k1][cb][0][l] = cs;
+          v[k1][cb][1][l] = -sn;
+        }
+  }
+};
+template <class X, class T, int R, int C, bool Permuted>
+inline constexpr GridTwiddles<X, T, R, C, Permuted> kGridTwiddles{};
+
+template <class X, class T, int R, int C, bool Permuted, class Load, class Store>
+[[gnu::always_inline]] inline void small_grid(Load&& load, Store&& store) {
+  using S = Simd<X>;
+  constexpr int W = S::W, CB = C / W;
+  const auto& tw = kGridTwiddles<X, T, R, C, Permuted>;
+  CV<X> y[R][CB];
+  for (int cb = 0; cb < CB; ++cb) {
+    CV<X> a[R];
+    for (int r = 0; r < R; ++r) a[r] = load(r * C + cb * W);
+    dft<R>(a);
+    for (int k1 = 0; k1 < R; ++k1)
+      y[k1][cb] = k1 == 0 ? a[0] : cmul(a[k1], S::load(tw.v[k1][cb][0]), S::load(tw.v[k1][cb][1]));
+  }
+  for (int kb = 0; kb < R / W; ++kb) {
+    CV<X> z[C];
+    for (int cb = 0; cb < CB; ++cb) {
+      typename S::V re[W], im[W];
+      for (int u = 0; u < W; ++u) re[u] = y[kb * W + u][cb].re, im[u] = y[kb * W + u][cb].im;
+      S::transpose(re);
+      S::transpose(im);
+      for (int v = 0; v < W; ++v) z[cb * W + (Permuted ? S::kPerm[v] : v)] = CV<X>{re[v], im[v]};
+    }
+    dft<C>(z);
+    for (int k2 = 0; k2 < C; ++k2) store(size_t(R * k2 + W * kb), z[k2]);
+  }
+}
+
+// The lanes of each length: SSE floats up to 32 points, AVX floats from 64,
+// AVX doubles (four) for all.
 template <class T, int N> struct RowLanes { using X = T; };
 template <> struct RowLanes<float, 16> { using X = F4; };
 template <> struct RowLanes<float, 32> { using X = F4; };
 // The longest length with a kernel of its own.
-template <class T> constexpr int kRowsMaxOrder = sizeof(T) == 4 ? 7 : 6;
+template <class T> constexpr int kRowsMaxOrder = 8;
 
 template <class T, int N, bool Inv>
 void small_interleaved(const T* src, T* dst, bool scaled, T factor) {
@@ -144,18 +227,31 @@ void small_interleaved(const T* src, T* dst, bool scaled, T factor) {
   using S = Simd<X>;
   constexpr int W = S::W;
   const auto f = S::set1(factor);
-  small_rows<X, T, N, !std::is_same_v<X, F4>>(
-      [&](int r) {
-        CV<X> v;
-        if (Inv) S::load_c(src + 2 * W * r, v.im, v.re);
-        else S::load_c(src + 2 * W * r, v.re, v.im);
-        return v;
-      },
-      [&](size_t e, CV<X> v) {
-        if (scaled) v = {S::mul(v.re, f), S::mul(v.im, f)};
-        if (Inv) S::store_c(dst + 2 * e, v.im, v.re);
-        else S::store_c(dst + 2 * e, v.re, v.im);
-      });
+  const auto store = [&](size_t e, CV<X> v) {
+    if (scaled) v = {S::mul(v.re, f), S::mul(v.im, f)};
+    if (Inv) S::store_c(dst + 2 * e, v.im, v.re);
+    else S::store_c(dst + 2 * e, v.re, v.im);
+  };
+  constexpr bool permuted = !std::is_same_v<X, F4>;
+  if constexpr (N == 256 || (N == 128 && W == 4)) {
+    small_grid<X, T, 16, N / 16, permuted>(
+        [&](size_t e) {
+          CV<X> v;
+          if (Inv) S::load_c(src + 2 * e, v.im, v.re);
+          else S::load_c(src + 2 * e, v.re, v.im);
+          return v;
+        },
+        store);
+  } else {
+    small_rows<X, T, N, permuted>(
+        [&](int r) {
+          CV<X> v;
+          if (Inv) S::load_c(src + 2 * W * r, v.im, v.re);
+          else S::load_c(src + 2 * W * r, v.re, v.im);
+          return v;
+        },
+        store);
+  }
 }
 
 template <class T, int N>
@@ -164,13 +260,15 @@ void small_split(const T* sre, const T* sim, T* dre, T* dim, bool scaled, T fact
   using S = Simd<X>;
   constexpr int W = S::W;
   const auto f = S::set1(factor);
-  small_rows<X, T, N, false>(
-      [&](int r) { return CV<X>{S::load(sre + W * r), S::load(sim + W * r)}; },
-      [&](size_t e, CV<X> v) {
-        if (scaled) v = {S::mul(v.re, f), S::mul(v.im, f)};
-        S::store(dre + e, v.re);
-        S::store(dim + e, v.im);
-      });
+  const auto store = [&](size_t e, CV<X> v) {
+    if (scaled) v = {S::mul(v.re, f), S::mul(v.im, f)};
+    S::store(dre + e, v.re);
+    S::store(dim + e, v.im);
+  };
+  if constexpr (N == 256 || (N == 128 && W == 4))
+    small_grid<X, T, 16, N / 16, false>([&](size_t e) { return CV<X>{S::load(sre + e), S::load(sim + e)}; }, store);
+  else
+    small_rows<X, T, N, false>([&](int r) { return CV<X>{S::load(sre + W * r), S::load(sim + W * r)}; }, store);
 }
 
 // ---- up to 8 points, one value at a time ------------------------------------------
@@ -237,8 +335,8 @@ void straight_interleaved(int n, const T* src, T* dst, bool scaled, T f) {
     case 4: return small_interleaved<T, 16, Inv>(src, dst, scaled, f);
     case 5: return small_interleaved<T, 32, Inv>(src, dst, scaled, f);
     case 6: return small_interleaved<T, 64, Inv>(src, dst, scaled, f);
-    default:
-      if constexpr (sizeof(T) == 4) return small_interleaved<T, 128, Inv>(src, dst, scaled, f);
+    case 7: return small_interleaved<T, 128, Inv>(src, dst, scaled, f);
+    default: return small_interleaved<T, 256, Inv>(src, dst, scaled, f);
   }
 }
 template <class T>
@@ -251,8 +349,8 @@ void straight_split(int n, const T* sre, const T* sim, T* dre, T* dim, bool scal
     case 4: return small_split<T, 16>(sre, sim, dre, dim, scaled, f);
     case 5: return small_split<T, 32>(sre, sim, dre, dim, scaled, f);
     case 6: return small_split<T, 64>(sre, sim, dre, dim, scaled, f);
-    default:
-      if constexpr (sizeof(T) == 4) return small_split<T, 128>(sre, sim, dre, dim, scaled, f);
+    case 7: return small_split<T, 128>(sre, sim, dre, dim, scaled, f);
+    default: return small_split<T, 256>(sre, sim, dre, dim, scaled, f);
   }
 }
 
