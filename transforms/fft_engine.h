@@ -280,7 +280,9 @@ struct Sine {
   size_t quarter;  // Q = L/4 of the table's own length
   // angle 2 pi m / (4 Q), m in [0, 4Q)
   constexpr void at(size_t m, T& c, T& sn) const {
-    const size_t q = m / quarter, r = m % quarter;
+    // the quarter is a power of two
+    const int shift = __builtin_ctzll(quarter);
+    const size_t q = m >> shift, r = m & (quarter - 1);
     const T a = s[r], b = s[quarter - r];
     switch (q & 3) {
       case 0: c = b, sn = a; break;
@@ -305,7 +307,7 @@ void build_twiddles(const Plan& p, int n, const Sine<T>& sine, int table_order, 
         const size_t j = size_t(stored_power(r, i));
         for (int l = 0; l < W; ++l) {
           T c, sn;
-          sine.at((j * (k0 + l) * step) % (size_t(1) << table_order), c, sn);
+          sine.at((j * (k0 + l) * step) & ((size_t(1) << table_order) - 1), c, sn);
           tw[l] = c;
           tw[W + l] = -sn;
         }
