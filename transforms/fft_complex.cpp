@@ -13,11 +13,9 @@ bool scaled_for(const FloatState<T>* st, bool inv) {
 
 template <class T, bool Inv>
 VrkStatus interleaved(const void* state, uint32_t tag, const T* src, T* dst, Vrk8u* buffer) {
-  VRKS_CHECK(check_state(state, tag));
-  if (any_null(src, dst)) return vrkStatusNullPointer;
-  auto* st = static_cast<const FloatState<T>*>(state);
+  const FloatState<T>* st;
   WorkBuffer work;
-  VRKS_CHECK(work.acquire(buffer, st->bufferSize));
+  VRKS_CHECK(begin_transform(state, tag, buffer, work, st, src, dst));
   roads_of<T>().interleaved[Inv](st, st->order, src, dst, work.data<T>(), scaled_for(st, Inv), st->scaleFactor);
   return vrkStatusOk;
 }
@@ -25,11 +23,9 @@ VrkStatus interleaved(const void* state, uint32_t tag, const T* src, T* dst, Vrk
 template <class T, bool Inv>
 VrkStatus split(const void* state, uint32_t tag, const T* sre, const T* sim, T* dre, T* dim,
                 Vrk8u* buffer) {
-  VRKS_CHECK(check_state(state, tag));
-  if (any_null(sre, sim, dre, dim)) return vrkStatusNullPointer;
-  auto* st = static_cast<const FloatState<T>*>(state);
+  const FloatState<T>* st;
   WorkBuffer work;
-  VRKS_CHECK(work.acquire(buffer, st->bufferSize));
+  VRKS_CHECK(begin_transform(state, tag, buffer, work, st, sre, sim, dre, dim));
   roads_of<T>().split[Inv](st, st->order, sre, sim, dre, dim, work.data<T>(), scaled_for(st, Inv), st->scaleFactor);
   return vrkStatusOk;
 }

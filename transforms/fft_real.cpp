@@ -42,11 +42,9 @@ struct RealTables {
 
 template <class T>
 VrkStatus forward(const void* state, uint32_t tag, const T* src, T* dst, Vrk8u* buffer, Format f) {
-  VRKS_CHECK(check_state(state, tag));
-  if (any_null(src, dst)) return vrkStatusNullPointer;
-  auto* st = static_cast<const FloatState<T>*>(state);
+  const FloatState<T>* st;
   WorkBuffer work;
-  VRKS_CHECK(work.acquire(buffer, st->bufferSize));
+  VRKS_CHECK(begin_transform(state, tag, buffer, work, st, src, dst));
   const int n = st->order;
   const size_t N = size_t(1) << n;
   const bool scaled = st->fwdScaled != 0;
@@ -70,11 +68,9 @@ VrkStatus forward(const void* state, uint32_t tag, const T* src, T* dst, Vrk8u* 
 
 template <class T>
 VrkStatus inverse(const void* state, uint32_t tag, const T* src, T* dst, Vrk8u* buffer, Format f) {
-  VRKS_CHECK(check_state(state, tag));
-  if (any_null(src, dst)) return vrkStatusNullPointer;
-  auto* st = static_cast<const FloatState<T>*>(state);
+  const FloatState<T>* st;
   WorkBuffer work;
-  VRKS_CHECK(work.acquire(buffer, st->bufferSize));
+  VRKS_CHECK(begin_transform(state, tag, buffer, work, st, src, dst));
   const int n = st->order;
   const size_t N = size_t(1) << n;
   // to the Perm form in dst

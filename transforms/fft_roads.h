@@ -5,6 +5,8 @@
 
 #include <cstddef>
 
+#include "frame/check.h"
+#include "frame/state.h"
 #include "transforms/fft_state.h"
 
 namespace vrks::fft {
@@ -33,6 +35,17 @@ template <class T>
 const TypeRoads<T>& roads_of() {
   if constexpr (sizeof(T) == 4) return roads().f32;
   else return roads().f64;
+}
+
+// The entry of every floating transform: the state and its tag, then the data
+// pointers, then the work buffer (caller's, or allocated when it is null).
+template <class T, class... P>
+VrkStatus begin_transform(const void* state, uint32_t tag, Vrk8u* buffer, WorkBuffer& work,
+                          const FloatState<T>*& st, P... data) {
+  VRKS_CHECK(check_state(state, tag));
+  if (any_null(data...)) return vrkStatusNullPointer;
+  st = static_cast<const FloatState<T>*>(state);
+  return work.acquire(buffer, st->bufferSize);
 }
 
 }  // namespace vrks::fft

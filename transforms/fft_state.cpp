@@ -30,14 +30,19 @@ VrkStatus float_sizes(int order, int flag, Sizes& s) {
   return vrkStatusOk;
 }
 
-template <class T, Kind K>
-VrkStatus float_get_size(int order, int flag, int* state, int* init, int* buffer) {
+template <class Sz>
+VrkStatus get_size(int order, int* state, int* init, int* buffer, Sz&& sizes) {
   if (order < 0 || order > kMaxOrder) return vrkStatusFFTOrder;
   if (any_null(state, init, buffer)) return vrkStatusNullPointer;
   Sizes s;
-  VRKS_CHECK((float_sizes<T, K>(order, flag, s)));
+  VRKS_CHECK(sizes(s));
   *state = s.state, *init = s.init, *buffer = s.buffer;
   return vrkStatusOk;
+}
+
+template <class T, Kind K>
+VrkStatus float_get_size(int order, int flag, int* state, int* init, int* buffer) {
+  return get_size(order, state, init, buffer, [&](Sizes& s) { return float_sizes<T, K>(order, flag, s); });
 }
 
 // Carves 32-byte aligned tables out of the object's block.
@@ -280,16 +285,6 @@ VrkStatus int32_init(Int32State** out, int order, int flag, int hint, Vrk8u* mem
 }
 
 // ---- shared entry shapes ---------------------------------------------------------------
-
-template <class Sz>
-VrkStatus get_size(int order, int* state, int* init, int* buffer, Sz&& sizes) {
-  if (order < 0 || order > kMaxOrder) return vrkStatusFFTOrder;
-  if (any_null(state, init, buffer)) return vrkStatusNullPointer;
-  Sizes s;
-  VRKS_CHECK(sizes(s));
-  *state = s.state, *init = s.init, *buffer = s.buffer;
-  return vrkStatusOk;
-}
 
 // InitAlloc: Init in a block of its own, marked allocated on success.
 template <class S, class Sz, class In>
